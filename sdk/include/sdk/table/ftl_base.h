@@ -1,8 +1,8 @@
 #pragma once
 
 // Hash engine with hint chains, the base of every flow-like table. It stores, chains, finds and
-// removes entries through the virtual operations of base_table_entry_t; a derived class tells it how
-// a key is hashed and which entry objects it may work on.
+// removes entries through the virtual operations of base_table_entry_t; a derived class tells it
+// how a key is hashed and which entry objects it may work on.
 
 #include "sdk/base_table_entry.h"
 #include "sdk/table/types.h"
@@ -24,8 +24,8 @@ class __attribute__((visibility("default"))) ftl_base {
     sdk_ret_t init_(sdk_table_factory_params_ *params);
     static void destroy(ftl_base *table);
 
-    // `params->entry` points at the caller's whole entry. insert and update read it, remove reads its
-    // key, get fills it.
+    // `params->entry` points at the caller's whole entry. insert and update read it, remove reads
+    // its key, get fills it.
     sdk_ret_t insert(sdk_table_api_params_ *params);
     sdk_ret_t update(sdk_table_api_params_ *params);
     sdk_ret_t remove(sdk_table_api_params_ *params);

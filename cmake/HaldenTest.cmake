@@ -1,0 +1,16 @@
+# halden_test(name SOURCES a.cc ... [LIBS target ...] [LABELS label ...] [TIMEOUT seconds])
+#
+# A GoogleTest program with a main of its own: the library exports one too, which would answer for
+# any program that has none. The main fails a run in which no test was executed.
+function(halden_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS;LABELS" ${ARGN})
+  add_executable(${name} ${PROJECT_SOURCE_DIR}/tests/support/test_main.cc ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE halden_flags halden_headers GTest::gmock ${ARG_LIBS}
+                        Threads::Threads)
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 300)
+  endif()
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+endfunction()

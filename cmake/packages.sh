@@ -1,0 +1,23 @@
+# Sourced by ./try and ./check: installs the Debian packages a step needs, when one is missing.
+
+halden_build_packages="g++ cmake ninja-build pkg-config libspdlog-dev libfmt-dev libcli11-dev nlohmann-json3-dev libpcap-dev"
+halden_test_packages="libgtest-dev libgmock-dev binutils clang-14 clang-format-16 clang-tidy-16"
+
+halden_install() {
+    missing=""
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' ||
+            missing="$missing $package"
+    done
+    [ -n "$missing" ] || return 0
+    echo "installing:$missing"
+    sudo=""
+    [ "$(id -u)" -eq 0 ] || sudo="sudo"
+    # shellcheck disable=SC2086  # a list of package names
+    { $sudo apt-get update && DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y \
+        --no-install-recommends $missing; } >build/packages.log 2>&1 || {
+        tail -n 20 build/packages.log >&2
+        echo "the packages could not be installed; the whole log is build/packages.log" >&2
+        return 1
+    }
+}
