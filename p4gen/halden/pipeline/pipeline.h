@@ -84,9 +84,10 @@ consteval bool well_formed_pipeline() {
     for (uint32_t i = 0; i < table_count; ++i) {
         if (tables[i]->id != first_table + i) bad_description("table ids are not in order");
         if (!well_formed(*tables[i])) return false;
-        if (const table *owner = find_table(tables[i]->owner)) {
-            if (owner->kind != kind::hash_sram || owner->key_bits != tables[i]->key_bits ||
-                owner->data_bits != tables[i]->data_bits)
+        if (tables[i]->owner != 0) {
+            const table &owner = *tables[tables[i]->owner - first_table];
+            if (owner.kind != kind::hash_sram || owner.key_bits != tables[i]->key_bits ||
+                owner.data_bits != tables[i]->data_bits)
                 bad_description("an overflow table is not laid out like its owner");
         }
     }
