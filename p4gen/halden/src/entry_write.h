@@ -10,6 +10,9 @@
 //   SRAM/TCAM overflow TCAM    the data row in the owner's SRAM, then key and mask hash, SRAM
 //   [key][data] swizzled hash, HBM        wide key, data on both sides of its second half
 //
+// The templates are inlined into the named writers (gen/entry_writers.cc), which are the functions
+// one finds in the object code.
+//
 // Every image is the call's own and zero before use. What the ASIC layer answers is not looked at.
 
 #include "p4gen/halden/src/fail.h"
@@ -78,8 +81,9 @@ template <const table &T>
 }
 
 template <const table &T>
-p4pd_error_t write_index_sram(uint32_t tableid, uint32_t index, uint8_t *actiondata,
-                              uint8_t *actiondata_mask, bool flag) {
+[[gnu::always_inline]] inline p4pd_error_t write_index_sram(uint32_t tableid, uint32_t index,
+                                                            uint8_t *actiondata,
+                                                            uint8_t *actiondata_mask, bool flag) {
     uint8_t entry[entry_bytes] = {};
     uint8_t mask_entry[entry_bytes] = {};
     const uint8_t pc = action_pc<T>(tableid, actiondata);
@@ -93,8 +97,10 @@ p4pd_error_t write_index_sram(uint32_t tableid, uint32_t index, uint8_t *actiond
 }
 
 template <const table &T>
-p4pd_error_t write_index_hbm(uint32_t tableid, uint32_t index, uint8_t *actiondata,
-                             uint8_t *actiondata_mask, bool /*flag*/) {
+[[gnu::always_inline]] inline p4pd_error_t write_index_hbm(uint32_t tableid, uint32_t index,
+                                                           uint8_t *actiondata,
+                                                           uint8_t *actiondata_mask,
+                                                           bool /*flag*/) {
     uint8_t entry[entry_bytes] = {};
     const uint8_t pc = action_pc<T>(tableid, actiondata);
     if (actiondata_mask != nullptr) {
@@ -107,8 +113,9 @@ p4pd_error_t write_index_hbm(uint32_t tableid, uint32_t index, uint8_t *actionda
 }
 
 template <const table &T>
-p4pd_error_t write_keyless(uint32_t tableid, uint32_t index, uint8_t * /*actiondata*/,
-                           uint8_t *actiondata_mask, bool flag) {
+[[gnu::always_inline]] inline p4pd_error_t write_keyless(uint32_t tableid, uint32_t index,
+                                                         uint8_t * /*actiondata*/,
+                                                         uint8_t *actiondata_mask, bool flag) {
     uint8_t packed[packed_bytes] = {};
     uint8_t entry[entry_bytes] = {};
     uint8_t mask_entry[entry_bytes] = {};
@@ -136,8 +143,10 @@ template <const table &T>
 }
 
 template <const table &T>
-p4pd_error_t write_tcam(uint32_t tableid, uint32_t index, uint8_t *hwkey, uint8_t *hwkey_mask,
-                        uint8_t *actiondata, uint8_t *actiondata_mask, bool flag) {
+[[gnu::always_inline]] inline p4pd_error_t write_tcam(uint32_t tableid, uint32_t index,
+                                                      uint8_t *hwkey, uint8_t *hwkey_mask,
+                                                      uint8_t *actiondata, uint8_t *actiondata_mask,
+                                                      bool flag) {
     if (actiondata_mask != nullptr) return P4PD_FAIL;
     uint8_t entry[entry_bytes] = {};
     const uint8_t pc = action_pc<T>(tableid, actiondata);
@@ -175,17 +184,20 @@ template <const table &T>
 }
 
 template <const table &T>
-p4pd_error_t write_hash_sram(uint32_t tableid, uint32_t index, uint8_t *hwkey, uint8_t *actiondata,
-                             uint8_t *actiondata_mask, bool flag) {
+[[gnu::always_inline]] inline p4pd_error_t write_hash_sram(uint32_t tableid, uint32_t index,
+                                                           uint8_t *hwkey, uint8_t *actiondata,
+                                                           uint8_t *actiondata_mask, bool flag) {
     if (actiondata_mask != nullptr) return P4PD_FAIL;
     write_hash_row<T>(tableid, index, hwkey, actiondata, flag);
     return P4PD_SUCCESS;
 }
 
 template <const table &T>
-p4pd_error_t write_overflow_tcam(uint32_t tableid, uint32_t index, uint8_t *hwkey,
-                                 uint8_t *hwkey_mask, uint8_t *actiondata, uint8_t *actiondata_mask,
-                                 bool flag) {
+[[gnu::always_inline]] inline p4pd_error_t write_overflow_tcam(uint32_t tableid, uint32_t index,
+                                                               uint8_t *hwkey, uint8_t *hwkey_mask,
+                                                               uint8_t *actiondata,
+                                                               uint8_t *actiondata_mask,
+                                                               bool flag) {
     if (actiondata_mask != nullptr) return P4PD_FAIL;
     write_hash_row<T>(tableid, overflow_data_row<T>(index), nullptr, actiondata, flag);
     write_tcam_row<T>(tableid, index, hwkey, hwkey_mask, flag);
@@ -193,8 +205,9 @@ p4pd_error_t write_overflow_tcam(uint32_t tableid, uint32_t index, uint8_t *hwke
 }
 
 template <const table &T>
-p4pd_error_t write_hash_hbm(uint32_t tableid, uint32_t index, uint8_t *hwkey, uint8_t *actiondata,
-                            uint8_t *actiondata_mask, bool /*flag*/) {
+[[gnu::always_inline]] inline p4pd_error_t write_hash_hbm(uint32_t tableid, uint32_t index,
+                                                          uint8_t *hwkey, uint8_t *actiondata,
+                                                          uint8_t *actiondata_mask, bool /*flag*/) {
     if (actiondata_mask != nullptr) return P4PD_FAIL;
     uint8_t before_key[packed_bytes] = {};
     uint8_t after_key[packed_bytes] = {};

@@ -43,30 +43,33 @@ template <bool Ternary, const table &T, size_t I>
         copy_bits<Ternary>(b, base, 0, f.where.at, 1);
     } else if constexpr (f.where.how == placement::form::split) {
         copy_bits<Ternary>(b, base, 7, f.where.at, 8);
-        [&]<size_t... N>(std::index_sequence<N...>) {
+        [&]<size_t... N>(std::index_sequence<N...>) __attribute__((always_inline)) {
             (copy_bits<Ternary>(b, base + 1, static_cast<uint16_t>(f.bits - 9 - N),
                                 static_cast<uint16_t>(f.where.high_at - N), 1),
              ...);
-        }(std::make_index_sequence<f.bits - 8>{});
+        }
+        (std::make_index_sequence<f.bits - 8>{});
     } else {
         // The top byte may hold fewer than eight bits of the field; the rest go whole.
         constexpr size_t bytes = (f.bits + 7) / 8;
         constexpr uint16_t top = f.bits % 8 == 0 ? 8 : f.bits % 8;
         copy_bits<Ternary>(b, base + bytes - 1, top - 1, f.where.at, top);
-        [&]<size_t... N>(std::index_sequence<N...>) {
+        [&]<size_t... N>(std::index_sequence<N...>) __attribute__((always_inline)) {
             (copy_bits<Ternary>(b, base + bytes - 2 - N, 7,
                                 static_cast<uint16_t>(f.where.at + top + 8 * N), 8),
              ...);
-        }(std::make_index_sequence<bytes - 1>{});
+        }
+        (std::make_index_sequence<bytes - 1>{});
     }
 }
 
 // Always succeeds; a builder answers false when its table's key cannot be built.
 template <const table &T>
 bool build_key(const key_build &b) {
-    [&]<size_t... I>(std::index_sequence<I...>) {
+    [&]<size_t... I>(std::index_sequence<I...>) __attribute__((always_inline)) {
         (build_field<pl::has_mask(T.kind), T, I>(b), ...);
-    }(std::make_index_sequence<T.key.size()>{});
+    }
+    (std::make_index_sequence<T.key.size()>{});
     return true;
 }
 
@@ -110,12 +113,13 @@ uint64_t row_index(const uint8_t *record) {
         return no_index;
     } else {
         uint64_t row = 0;
-        [&]<size_t... I>(std::index_sequence<I...>) {
+        [&]<size_t... I>(std::index_sequence<I...>) __attribute__((always_inline)) {
             ((row = row << T.index[I].bits |
                     (load_field<T.index[I].bits>(record + pl::record_offset(T.index, I)) &
                      ((uint64_t{1} << T.index[I].bits) - 1))),
              ...);
-        }(std::make_index_sequence<T.index.size()>{});
+        }
+        (std::make_index_sequence<T.index.size()>{});
         return row;
     }
 }
