@@ -1,0 +1,135 @@
+#include "host/adapter.h"
+
+#include "host/memory/directory.h"
+#include "host/trace/trace.h"
+
+#include <unistd.h>
+
+#include <stdexcept>
+
+namespace halden::host {
+
+namespace {
+
+std::atomic<adapter *> current_adapter = nullptr;
+
+void check_depth(const char *name, uint32_t rows, uint32_t most) {
+    if (rows == 0 || (rows & (rows - 1)) != 0 || rows > most)
+        throw std::runtime_error(std::string(name) + " " + std::to_string(rows) +
+                                 ": must be a power of two up to " + std::to_string(most));
+}
+
+uint32_t sram_rows(const table_memory &table) {
+    const table_memory *overflow = table_memory_of(table.overflow);
+    return table.rows + (overflow != nullptr ? overflow->rows : 0);
+}
+
+}  // namespace
+
+adapter &current() {
+    adapter *set = current_adapter.load(std::memory_order_acquire);
+    if (set != nullptr) return *set;
+    // Never destroyed: threads may still write while the process ends.
+    static adapter *const made_on_first_use = adapter::anonymous().release();
+    return *made_on_first_use;
+}
+
+adapter *set_current(adapter *next) {
+    return current_adapter.exchange(next, std::memory_order_acq_rel);
+}
+
+std::unique_ptr<adapter> adapter::anonymous(const adapter_options &options) {
+    return std::unique_ptr<adapter>(new adapter({}, options));
+}
+
+std::unique_ptr<adapter> adapter::open(const std::string &directory,
+                                       const adapter_options &options) {
+    if (directory.empty()) throw std::runtime_error("the adapter's directory has no name");
+    return std::unique_ptr<adapter>(new adapter(directory, options));
+}
+
+adapter::adapter(std::string directory, const adapter_options &options)
+    : directory_(std::move(directory)), options_(options) {
+    check_depth("flow_rows", options.flow_rows, table_memory_of(flow_table)->rows);
+    check_depth("flow_ohash_rows", options.flow_ohash_rows,
+                table_memory_of(flow_ohash_table)->rows);
+    if (!directory_.empty())
+        lock_file_ = lock_directory(directory_, options.flow_rows, options.flow_ohash_rows);
+}
+
+adapter::~adapter() {
+    for (auto &kind : rows_)
+        for (auto &rows : kind) delete rows.load();
+    for (auto &rows : flows_) delete rows.load();
+    if (lock_file_ >= 0) close(lock_file_);
+}
+
+uint32_t adapter::depth(uint32_t tableid) const {
+    if (tableid == flow_table) return options_.flow_rows;
+    if (tableid == flow_ohash_table) return options_.flow_ohash_rows;
+    const table_memory *table = table_memory_of(tableid);
+    return table != nullptr ? table->rows : 0;
+}
+
+std::string adapter::path_of(memory where, uint32_t tableid) const {
+    return directory_.empty() ? std::string() : memory_file(directory_, where, tableid);
+}
+
+// Memories are mapped when they are first touched: most uses of an adapter need few of them.
+row_store *adapter::rows_of(memory where, uint32_t tableid) {
+    auto &place = rows_[static_cast<unsigned>(where)][tableid];
+    row_store *rows = place.load(std::memory_order_acquire);
+    if (rows != nullptr) return rows;
+    const std::lock_guard guard(mapping_);
+    rows = place.load(std::memory_order_acquire);
+    if (rows != nullptr) return rows;
+    try {
+        const table_memory &table = *table_memory_of(tableid);
+        const uint32_t depth = where == memory::sram ? sram_rows(table) : table.rows;
+        rows = new row_store(path_of(where, tableid), depth);
+        place.store(rows, std::memory_order_release);
+    } catch (const std::exception &error) {
+        trace::error("table %u: %s cannot be mapped: %s", tableid, name_of(where), error.what());
+    }
+    return rows;
+}
+
+flow_rows *adapter::flow_rows_of(uint32_t tableid) {
+    auto &place = flows_[tableid];
+    flow_rows *rows = place.load(std::memory_order_acquire);
+    if (rows != nullptr) return rows;
+    const std::lock_guard guard(mapping_);
+    rows = place.load(std::memory_order_acquire);
+    if (rows != nullptr) return rows;
+    try {
+        rows = new flow_rows(path_of(memory::hbm, tableid), depth(tableid));
+        place.store(rows, std::memory_order_release);
+    } catch (const std::exception &error) {
+        trace::error("table %u: HBM cannot be mapped: %s", tableid, error.what());
+    }
+    return rows;
+}
+
+uint8_t *adapter::hbm_rows(uint32_t tableid) {
+    const table_memory *table = table_memory_of(tableid);
+    if (table == nullptr || !table->is_flow()) return nullptr;
+    flow_rows *rows = flow_rows_of(tableid);
+    return rows != nullptr ? rows->base() : nullptr;
+}
+
+void adapter::set_observer(observer call) {
+    const std::lock_guard guard(observing_);
+    observer_ = call ? std::make_shared<const observer>(std::move(call)) : nullptr;
+    observed_.store(observer_ != nullptr, std::memory_order_release);
+}
+
+void adapter::tell(const row_change &change) {
+    std::shared_ptr<const observer> call;
+    {
+        const std::lock_guard guard(observing_);
+        call = observer_;
+    }
+    if (call != nullptr) (*call)(change);
+}
+
+}  // namespace halden::host

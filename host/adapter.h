@@ -1,0 +1,155 @@
+#pragma once
+
+// A software adapter: the memories of the pipeline's 48 tables, behind the calls of the ASIC layer.
+//
+//     auto adapter = halden::host::adapter::open("/var/lib/halden");   // or adapter::anonymous()
+//     halden::host::scoped_current use(*adapter);
+//     p4pd_entry_install(16, 5, nullptr, nullptr, &lif);               // lands in *adapter
+//
+// The library's imports are free functions, so one adapter of the process is the current one and
+// answers them. Everything else - memory, faults, observer - belongs to an adapter; any number of
+// them live side by side.
+//
+// Rows and bits
+//   * SRAM and TCAM images are kept as they are written, swizzled; HBM images are not swizzled;
+//   * lengths are bits; a row of length 0 is empty;
+//   * an index beyond the table's depth, an image wider than the row, an unknown table: the call
+//     answers SDK_RET_INVALID_ARG and nothing is changed. Memory that cannot be mapped:
+//     SDK_RET_OOM;
+//   * a row write is seen whole or not at all, also across the death of the process.
+//
+// Threads: all functions may run at once; writes to one row are serialised by the caller.
+
+#include "host/faults/faults.h"
+#include "host/memory/flow_rows.h"
+#include "host/memory/memory_map.h"
+#include "host/memory/row_store.h"
+#include "sdk/table/types.h"
+
+#include <array>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace halden::host {
+
+// One row before and after a write. For SRAM, `table` is the owner of the memory and `row` its row:
+// a write through an overflow table is seen in the hash table's window. TCAM images are the key (x)
+// in bytes 0 to 31 and the mask (y) in bytes 32 to 63. The spans live as long as the call.
+struct row_change {
+    memory where;
+    uint32_t table;
+    uint32_t row;
+    uint16_t old_bits;
+    std::span<const uint8_t> old_image;
+    uint16_t new_bits;
+    std::span<const uint8_t> new_image;
+};
+using observer = std::function<void(const row_change &)>;
+
+struct adapter_options {
+    // Powers of two, at most the pipeline's own: 22 bits of index, 21 bits of hint.
+    uint32_t flow_rows = 4194304;
+    uint32_t flow_ohash_rows = 2097152;
+};
+
+class adapter {
+  public:
+    // Memory that goes with the process.
+    static std::unique_ptr<adapter> anonymous(const adapter_options &options = {});
+    // Memory in `directory`, which is made when it is absent. An adapter of the directory that
+    // another process has open, or that was made with other options, is refused. Throws
+    // std::runtime_error with the path and the reason.
+    static std::unique_ptr<adapter> open(const std::string &directory,
+                                         const adapter_options &options = {});
+    ~adapter();
+    adapter(const adapter &) = delete;
+    adapter &operator=(const adapter &) = delete;
+
+    // Empty for an anonymous adapter.
+    const std::string &directory() const { return directory_; }
+    // Rows of a table; 0 for an unknown id.
+    uint32_t depth(uint32_t tableid) const;
+
+    // The ASIC calls. `image`, `mask`, `key` and `key_mask` hold the bytes of their length, rounded
+    // up to 16 bits in SRAM and TCAM; buffers that are read into hold a whole row (64 bytes; 32 for
+    // each TCAM image, 128 for a flow row). `*bits` becomes 0 on every failure.
+    //
+    // By the id of an overflow table, SRAM is written at the owner's row and read at either the
+    // overflow row or the owner's.
+    sdk_ret_t sram_write(uint32_t tableid, uint32_t index, const uint8_t *image, uint16_t bits,
+                         const uint8_t *mask);
+    sdk_ret_t sram_read(uint32_t tableid, uint32_t index, uint8_t *image, uint16_t *bits);
+    sdk_ret_t tcam_write(uint32_t tableid, uint32_t index, const uint8_t *key,
+                         const uint8_t *key_mask, uint16_t width);
+    sdk_ret_t tcam_read(uint32_t tableid, uint32_t index, uint8_t *key, uint8_t *key_mask,
+                        uint16_t *width);
+    sdk_ret_t hbm_write(uint32_t tableid, uint32_t index, const uint8_t *image, uint16_t bits);
+    sdk_ret_t hbm_read(uint32_t tableid, uint32_t index, uint8_t *image, uint16_t *bits);
+
+    // Empties one entry, out of hardware's sight first: the TCAM row before its data. `index` is
+    // the table's own row, also for an overflow table. Meets the faults of a write.
+    sdk_ret_t clear_row(uint32_t tableid, uint32_t index);
+
+    // The rows of a flow table, 128 bytes each, for an engine that works in place; null for other
+    // tables and when the memory cannot be mapped. Such stores are neither observed nor faulted.
+    uint8_t *hbm_rows(uint32_t tableid);
+
+    // The first row of a table at or behind `from` that is not empty, by its TCAM where it has one;
+    // depth when there is none. Steps over memory that was never touched.
+    uint32_t next_used(uint32_t tableid, uint32_t from);
+
+    fault_set &faults() { return faults_; }
+    // Called after every write of a row, from the thread that wrote; an empty function ends it.
+    void set_observer(observer call);
+
+  private:
+    struct row_place;
+    adapter(std::string directory, const adapter_options &options);
+
+    std::string path_of(memory where, uint32_t tableid) const;
+    row_store *rows_of(memory where, uint32_t tableid);
+    flow_rows *flow_rows_of(uint32_t tableid);
+    sdk_ret_t find_sram(uint32_t tableid, uint32_t index, bool for_read, const char *call,
+                        row_place &place);
+    sdk_ret_t refuse(const char *call, const std::string &what) const;
+    sdk_ret_t refuse_index(const char *call, uint32_t tableid, uint32_t index);
+    void put(memory where, uint32_t tableid, row_store &rows, uint32_t row, const row_image &image,
+             uint16_t bits);
+    void put_flow(uint32_t tableid, flow_rows &rows, uint32_t row, const flow_image &image);
+    void tell(const row_change &change);
+
+    std::string directory_;
+    adapter_options options_;
+    int lock_file_ = -1;
+    fault_set faults_;
+    std::mutex mapping_;
+    std::array<std::array<std::atomic<row_store *>, last_table + 1>, memory_kinds> rows_ = {};
+    std::array<std::atomic<flow_rows *>, flow_table + 1> flows_ = {};
+    std::atomic<bool> observed_ = false;
+    std::mutex observing_;
+    std::shared_ptr<const observer> observer_;
+};
+
+// The adapter that answers the library's imports. An anonymous one is made at the first use when
+// none was set. `set_current` answers the one before, null when there was none; null goes back to
+// the default.
+adapter &current();
+adapter *set_current(adapter *next);
+
+class scoped_current {
+  public:
+    explicit scoped_current(adapter &next) : before_(set_current(&next)) {}
+    ~scoped_current() { set_current(before_); }
+    scoped_current(const scoped_current &) = delete;
+    scoped_current &operator=(const scoped_current &) = delete;
+
+  private:
+    adapter *before_;
+};
+
+}  // namespace halden::host

@@ -1,0 +1,246 @@
+// The calls of the ASIC layer on an adapter's rows: check, meet the faults, then touch memory.
+
+#include "host/adapter.h"
+#include "host/bits/bit_runs.h"
+#include "host/trace/trace.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace halden::host {
+
+namespace {
+
+constexpr uint32_t sram_row_bits = row_bytes * 8;
+constexpr uint32_t tcam_most_bits = tcam_image_bytes * 8;
+
+std::string number(uint32_t value) { return std::to_string(value); }
+
+}  // namespace
+
+struct adapter::row_place {
+    row_store *rows;
+    uint32_t table;  // that owns the memory
+    uint32_t row;
+};
+
+sdk_ret_t adapter::refuse(const char *call, const std::string &what) const {
+    trace::error("%s: %s", call, what.c_str());
+    return SDK_RET_INVALID_ARG;
+}
+
+sdk_ret_t adapter::refuse_index(const char *call, uint32_t tableid, uint32_t index) {
+    return refuse(call, "table " + number(tableid) + ": index " + number(index) + " is beyond " +
+                            number(depth(tableid) - 1));
+}
+
+void adapter::put(memory where, uint32_t tableid, row_store &rows, uint32_t row,
+                  const row_image &image, uint16_t bits) {
+    if (!observed_.load(std::memory_order_acquire)) {
+        rows.write(row, image, bits);
+        return;
+    }
+    row_image old;
+    const uint16_t old_bits = rows.read(row, old);
+    rows.write(row, image, bits);
+    tell({where, tableid, row, old_bits, old, bits, image});
+}
+
+void adapter::put_flow(uint32_t tableid, flow_rows &rows, uint32_t row, const flow_image &image) {
+    if (!observed_.load(std::memory_order_acquire)) {
+        rows.write(row, image);
+        return;
+    }
+    flow_image old, now;
+    const uint16_t old_bits = rows.read(row, old);
+    rows.write(row, image);
+    tell({memory::hbm, tableid, row, old_bits, old, rows.read(row, now), image});
+}
+
+// --- SRAM ----------------------------------------------------------------------------------------
+
+sdk_ret_t adapter::find_sram(uint32_t tableid, uint32_t index, bool for_read, const char *call,
+                             row_place &place) {
+    const table_memory *table = table_memory_of(tableid);
+    if (table == nullptr || table->data != memory::sram)
+        return refuse(call, "table " + number(tableid) + " has no SRAM");
+    uint32_t row = index;
+    if (table->owner == 0) {
+        if (index >= table->rows) return refuse_index(call, tableid, index);
+    } else if (for_read && index < table->rows) {
+        row = table->overflow_base + index;
+    } else if (index < table->overflow_base || index - table->overflow_base >= table->rows) {
+        return refuse(call, "table " + number(tableid) + ": SRAM row " + number(index) +
+                                " is outside " + number(table->overflow_base) + " to " +
+                                number(table->overflow_base + table->rows - 1));
+    }
+    const uint32_t owner = table->owner == 0 ? tableid : table->owner;
+    place = {rows_of(memory::sram, owner), owner, row};
+    return place.rows == nullptr ? SDK_RET_OOM : SDK_RET_OK;
+}
+
+sdk_ret_t adapter::sram_write(uint32_t tableid, uint32_t index, const uint8_t *image, uint16_t bits,
+                              const uint8_t *mask) {
+    row_place place = {};
+    if (sdk_ret_t bad = find_sram(tableid, index, false, __func__, place)) return bad;
+    if (bits > sram_row_bits)
+        return refuse(__func__, "table " + number(tableid) + ": an entry of " + number(bits) +
+                                    " bits does not fit a row of " + number(sram_row_bits));
+    if (sdk_ret_t injected = faults_.meet(asic_call::sram_write, tableid, index)) return injected;
+
+    row_image next = {};
+    const uint32_t bytes = bits::swizzled_bytes_of(bits);
+    if (bytes != 0) std::memcpy(next.data(), image, bytes);
+    if (mask != nullptr) {
+        row_image old;
+        place.rows->read(place.row, old);
+        for (uint32_t i = 0; i < bytes; ++i)
+            next[i] = static_cast<uint8_t>((old[i] & ~mask[i]) | (next[i] & mask[i]));
+    }
+    put(memory::sram, place.table, *place.rows, place.row, next, bits);
+    return SDK_RET_OK;
+}
+
+sdk_ret_t adapter::sram_read(uint32_t tableid, uint32_t index, uint8_t *image, uint16_t *bits) {
+    *bits = 0;
+    row_place place = {};
+    if (sdk_ret_t bad = find_sram(tableid, index, true, __func__, place)) return bad;
+    if (sdk_ret_t injected = faults_.meet(asic_call::sram_read, tableid, index)) return injected;
+    row_image found;
+    *bits = place.rows->read(place.row, found);
+    std::memcpy(image, found.data(), bits::swizzled_bytes_of(*bits));
+    return SDK_RET_OK;
+}
+
+// --- TCAM ----------------------------------------------------------------------------------------
+
+sdk_ret_t adapter::tcam_write(uint32_t tableid, uint32_t index, const uint8_t *key,
+                              const uint8_t *key_mask, uint16_t width) {
+    const table_memory *table = table_memory_of(tableid);
+    if (table == nullptr || !table->has_tcam())
+        return refuse(__func__, "table " + number(tableid) + " has no TCAM");
+    if (index >= table->rows) return refuse_index(__func__, tableid, index);
+    if (width == 0 || width % 16 != 0 || width > tcam_most_bits)
+        return refuse(__func__, "table " + number(tableid) + ": width " + number(width) +
+                                    " is not a multiple of 16 up to " + number(tcam_most_bits));
+    row_store *rows = rows_of(memory::tcam, tableid);
+    if (rows == nullptr) return SDK_RET_OOM;
+    if (sdk_ret_t injected = faults_.meet(asic_call::tcam_write, tableid, index)) return injected;
+
+    row_image next = {};
+    std::memcpy(next.data(), key, width / 8);
+    std::memcpy(next.data() + tcam_image_bytes, key_mask, width / 8);
+    put(memory::tcam, tableid, *rows, index, next, width);
+    return SDK_RET_OK;
+}
+
+sdk_ret_t adapter::tcam_read(uint32_t tableid, uint32_t index, uint8_t *key, uint8_t *key_mask,
+                             uint16_t *width) {
+    *width = 0;
+    const table_memory *table = table_memory_of(tableid);
+    if (table == nullptr || !table->has_tcam())
+        return refuse(__func__, "table " + number(tableid) + " has no TCAM");
+    if (index >= table->rows) return refuse_index(__func__, tableid, index);
+    row_store *rows = rows_of(memory::tcam, tableid);
+    if (rows == nullptr) return SDK_RET_OOM;
+    if (sdk_ret_t injected = faults_.meet(asic_call::tcam_read, tableid, index)) return injected;
+
+    row_image found;
+    *width = rows->read(index, found);
+    std::memcpy(key, found.data(), *width / 8);
+    std::memcpy(key_mask, found.data() + tcam_image_bytes, *width / 8);
+    return SDK_RET_OK;
+}
+
+// --- HBM -----------------------------------------------------------------------------------------
+
+sdk_ret_t adapter::hbm_write(uint32_t tableid, uint32_t index, const uint8_t *image,
+                             uint16_t bits) {
+    const table_memory *table = table_memory_of(tableid);
+    if (table == nullptr || table->data != memory::hbm)
+        return refuse(__func__, "table " + number(tableid) + " has no HBM");
+    if (index >= depth(tableid)) return refuse_index(__func__, tableid, index);
+    const uint32_t most = (table->is_flow() ? flow_row_bytes : row_bytes) * 8;
+    if (bits > most)
+        return refuse(__func__, "table " + number(tableid) + ": an entry of " + number(bits) +
+                                    " bits does not fit a row of " + number(most));
+
+    const uint32_t bytes = bits::bytes_of(bits);
+    if (table->is_flow()) {
+        flow_rows *rows = flow_rows_of(tableid);
+        if (rows == nullptr) return SDK_RET_OOM;
+        if (sdk_ret_t injected = faults_.meet(asic_call::hbm_write, tableid, index))
+            return injected;
+        flow_image next = {};
+        if (bytes != 0) std::memcpy(next.data(), image, bytes);
+        put_flow(tableid, *rows, index, next);
+        return SDK_RET_OK;
+    }
+    row_store *rows = rows_of(memory::hbm, tableid);
+    if (rows == nullptr) return SDK_RET_OOM;
+    if (sdk_ret_t injected = faults_.meet(asic_call::hbm_write, tableid, index)) return injected;
+    row_image next = {};
+    if (bytes != 0) std::memcpy(next.data(), image, bytes);
+    put(memory::hbm, tableid, *rows, index, next, bits);
+    return SDK_RET_OK;
+}
+
+sdk_ret_t adapter::hbm_read(uint32_t tableid, uint32_t index, uint8_t *image, uint16_t *bits) {
+    *bits = 0;
+    const table_memory *table = table_memory_of(tableid);
+    if (table == nullptr || table->data != memory::hbm)
+        return refuse(__func__, "table " + number(tableid) + " has no HBM");
+    if (index >= depth(tableid)) return refuse_index(__func__, tableid, index);
+
+    if (table->is_flow()) {
+        flow_rows *rows = flow_rows_of(tableid);
+        if (rows == nullptr) return SDK_RET_OOM;
+        if (sdk_ret_t injected = faults_.meet(asic_call::hbm_read, tableid, index)) return injected;
+        flow_image found;
+        *bits = rows->read(index, found);
+        std::memcpy(image, found.data(), bits::bytes_of(*bits));
+        return SDK_RET_OK;
+    }
+    row_store *rows = rows_of(memory::hbm, tableid);
+    if (rows == nullptr) return SDK_RET_OOM;
+    if (sdk_ret_t injected = faults_.meet(asic_call::hbm_read, tableid, index)) return injected;
+    row_image found;
+    *bits = rows->read(index, found);
+    std::memcpy(image, found.data(), bits::bytes_of(*bits));
+    return SDK_RET_OK;
+}
+
+// --- Whole entries -------------------------------------------------------------------------------
+
+sdk_ret_t adapter::clear_row(uint32_t tableid, uint32_t index) {
+    const table_memory *table = table_memory_of(tableid);
+    if (table == nullptr) return refuse(__func__, "table " + number(tableid) + " is unknown");
+    if (index >= depth(tableid)) return refuse_index(__func__, tableid, index);
+    if (table->data == memory::hbm) return hbm_write(tableid, index, nullptr, 0);
+
+    if (table->has_tcam()) {
+        row_store *rows = rows_of(memory::tcam, tableid);
+        if (rows == nullptr) return SDK_RET_OOM;
+        if (sdk_ret_t injected = faults_.meet(asic_call::tcam_write, tableid, index))
+            return injected;
+        put(memory::tcam, tableid, *rows, index, {}, 0);
+    }
+    const uint32_t row = table->owner == 0 ? index : table->overflow_base + index;
+    return sram_write(tableid, row, nullptr, 0, nullptr);
+}
+
+uint32_t adapter::next_used(uint32_t tableid, uint32_t from) {
+    const table_memory *table = table_memory_of(tableid);
+    if (table == nullptr) return 0;
+    const uint32_t end = depth(tableid);
+    if (from >= end) return end;
+    if (table->is_flow()) {
+        flow_rows *rows = flow_rows_of(tableid);
+        return rows != nullptr ? rows->next_used(from) : end;
+    }
+    row_store *rows = rows_of(table->has_tcam() ? memory::tcam : table->data, tableid);
+    // A hash table's rows end where the overflow window begins.
+    return rows != nullptr ? std::min(end, rows->next_used(from)) : end;
+}
+
+}  // namespace halden::host

@@ -1,0 +1,54 @@
+#pragma once
+
+// Which memories the tables of the pipeline live in, and how deep they are: one row per table, the
+// only place where a depth is written down.
+//
+//     kind            TCAM       SRAM                                HBM
+//     flow            -          -                                   row = key and data
+//     hash            -          row = key and data, then the        -
+//                                window of the overflow table
+//     overflow        key, mask  data, in the owner's window         -
+//     TCAM            key, mask  data, same row                      -
+//     index, keyless  -          data, or ...                        ... data
+//
+// An overflow table has no SRAM of its own: its row r is row overflow_base + r of the hash table
+// that it belongs to.
+
+#include <cstdint>
+#include <span>
+
+namespace halden::host {
+
+enum class memory : uint8_t { sram, tcam, hbm };
+inline constexpr unsigned memory_kinds = 3;
+const char *name_of(memory where);
+
+inline constexpr uint32_t first_table = 1;
+inline constexpr uint32_t last_table = 48;
+inline constexpr uint32_t flow_ohash_table = 1;
+inline constexpr uint32_t flow_table = 2;
+
+// Bytes of one row's image. TCAM rows hold two images, key (x) before mask (y).
+inline constexpr uint32_t row_bytes = 64;
+inline constexpr uint32_t tcam_image_bytes = row_bytes / 2;
+inline constexpr uint32_t flow_row_bytes = 128;
+
+struct table_memory {
+    uint32_t id;
+    uint32_t rows;
+    memory data;                 // where the action data stands
+    uint16_t key_bits = 0;       // keyed tables: bits of the key that hardware compares
+    uint32_t owner = 0;          // overflow table: the hash table whose SRAM holds its data
+    uint32_t overflow = 0;       // hash table: its overflow table
+    uint32_t overflow_base = 0;  // of the pair: first SRAM row of the window
+
+    bool has_tcam() const { return (data == memory::sram && key_bits != 0 && !is_hash()); }
+    bool is_hash() const { return overflow != 0; }
+    bool is_flow() const { return id == flow_ohash_table || id == flow_table; }
+};
+
+// Null for an unknown id.
+const table_memory *table_memory_of(uint32_t tableid);
+std::span<const table_memory> all_table_memories();
+
+}  // namespace halden::host

@@ -1,0 +1,81 @@
+#include "host/memory/row_store.h"
+
+#include "host/memory/words.h"
+
+#include <algorithm>
+
+namespace halden::host {
+
+namespace {
+
+constexpr size_t page = 4096;
+constexpr uint32_t state_bytes = 4;
+
+// One page-aligned part behind the other.
+constexpr size_t images_start(uint32_t rows) {
+    return (size_t{rows} * state_bytes + page - 1) / page * page;
+}
+
+constexpr uint16_t length_in(uint32_t state) { return static_cast<uint16_t>(state); }
+constexpr uint32_t written(uint32_t state, uint16_t bits) {
+    return ((state >> 16) + 1) << 16 | bits;
+}
+
+uint32_t load(uint32_t *state, std::memory_order order) {
+    return std::atomic_ref<uint32_t>(*state).load(order);
+}
+
+}  // namespace
+
+row_store::row_store(const std::string &path, uint32_t rows)
+    : rows_(rows),
+      images_at_(images_start(rows)),
+      memory_(path, images_at_ + size_t{rows} * 2 * row_bytes) {}
+
+uint32_t *row_store::state(uint32_t row) const {
+    return reinterpret_cast<uint32_t *>(memory_.base() + size_t{row} * state_bytes);
+}
+
+uint8_t *row_store::image_of(uint32_t row, uint32_t state) const {
+    return memory_.base() + images_at_ + (size_t{row} * 2 + (state >> 16 & 1)) * row_bytes;
+}
+
+uint16_t row_store::read(uint32_t row, row_image &image) const {
+    uint32_t *place = state(row);
+    uint32_t before = load(place, std::memory_order_acquire);
+    for (;;) {
+        if (length_in(before) == 0) {
+            image.fill(0);
+            return 0;
+        }
+        load_words(image.data(), image_of(row, before), row_bytes);
+        // A writer touches this image only in its second write from here, and the words carry the
+        // first one's state along.
+        const uint32_t after = load(place, std::memory_order_acquire);
+        if (after == before) return length_in(before);
+        before = after;
+    }
+}
+
+void row_store::write(uint32_t row, const row_image &image, uint16_t bits) {
+    uint32_t *place = state(row);
+    const uint32_t next = written(load(place, std::memory_order_relaxed), bits);
+    store_words(image_of(row, next), image.data(), row_bytes);
+    std::atomic_ref<uint32_t>(*place).store(next, std::memory_order_release);
+}
+
+uint32_t row_store::next_used(uint32_t from) const {
+    size_t begin = 0, end = 0;
+    while (from < rows_ && memory_.next_used(size_t{from} * state_bytes, begin, end)) {
+        const auto first = std::max(from, static_cast<uint32_t>(begin / state_bytes));
+        const auto last =
+            static_cast<uint32_t>(std::min<size_t>(rows_, (end + state_bytes - 1) / state_bytes));
+        for (uint32_t row = first; row < last; ++row)
+            if (length_in(load(state(row), std::memory_order_acquire)) != 0) return row;
+        if (last <= from) break;
+        from = last;
+    }
+    return rows_;
+}
+
+}  // namespace halden::host
