@@ -14,8 +14,10 @@ halden_install() {
     sudo=""
     [ "$(id -u)" -eq 0 ] || sudo="sudo"
     # shellcheck disable=SC2086  # a list of package names
-    { $sudo apt-get update && DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y \
-        --no-install-recommends $missing; } >build/packages.log 2>&1 || {
+    # An installation that was cut short leaves packages unconfigured, and every later one refuses.
+    { $sudo dpkg --configure -a && $sudo apt-get update &&
+        DEBIAN_FRONTEND=noninteractive $sudo apt-get -o DPkg::Lock::Timeout=300 install -y \
+            --no-install-recommends $missing; } </dev/null >build/packages.log 2>&1 || {
         tail -n 20 build/packages.log >&2
         echo "the packages could not be installed; the whole log is build/packages.log" >&2
         return 1
