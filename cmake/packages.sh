@@ -1,7 +1,7 @@
 # Sourced by ./try and ./check: installs the Debian packages a step needs, when one is missing.
 
 halden_build_packages="g++ cmake ninja-build pkg-config libspdlog-dev libfmt-dev libcli11-dev nlohmann-json3-dev libpcap-dev"
-halden_test_packages="libgtest-dev libgmock-dev binutils clang-14 clang-format-16 clang-tidy-16"
+halden_test_packages="libgtest-dev libgmock-dev binutils clang-14 clang-format-16 clang-tidy-16 libclang-rt-14-dev"
 
 halden_install() {
     missing=""
@@ -22,4 +22,13 @@ halden_install() {
         echo "the packages could not be installed; the whole log is build/packages.log" >&2
         return 1
     }
+}
+
+# The cross compiler, the emulator and the libraries of `./check --arm64`.
+halden_install_arm64() {
+    sudo=""
+    [ "$(id -u)" -eq 0 ] || sudo="sudo"
+    dpkg --print-foreign-architectures | grep -qx arm64 || $sudo dpkg --add-architecture arm64
+    halden_install g++-aarch64-linux-gnu qemu-user libc6:arm64 libstdc++6:arm64 \
+        libspdlog-dev:arm64 libfmt-dev:arm64 libgtest-dev:arm64 libgmock-dev:arm64
 }

@@ -117,6 +117,8 @@ int expand_and_log(spdlog::level::level_enum level, const char *format, va_list 
     char small[512];
     va_list again;
     va_copy(again, arguments);
+    // The callers have started `arguments`.
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
     const int length = std::vsnprintf(small, sizeof small, format, arguments);
     if (length >= 0 && static_cast<size_t>(length) < sizeof small) {
         the_sink().log(level, {small, static_cast<size_t>(length)});

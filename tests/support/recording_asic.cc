@@ -126,13 +126,13 @@ p4pd_error_t p4pd_global_entry_write(uint32_t tableid, uint32_t index, uint8_t *
     return host().global_write_result;
 }
 
-p4pd_error_t p4pd_global_entry_read(uint32_t tableid, uint32_t index, void *swkey,
-                                    void *swkey_mask, void *actiondata, void *extra, bool flag) {
+p4pd_error_t p4pd_global_entry_read(uint32_t tableid, uint32_t index, void *swkey, void *swkey_mask,
+                                    void *actiondata, void *extra, bool flag) {
     recording_host::scope inside;
-    const call made = host().record(
-        "p4pd_global_entry_read",
-        {number(tableid), number(index), pointer(swkey), pointer(swkey_mask), pointer(actiondata),
-         pointer(extra), number(flag)});
+    const call made =
+        host().record("p4pd_global_entry_read",
+                      {number(tableid), number(index), pointer(swkey), pointer(swkey_mask),
+                       pointer(actiondata), pointer(extra), number(flag)});
     return host().on_global_entry_read ? host().on_global_entry_read(made) : P4PD_SUCCESS;
 }
 
@@ -140,10 +140,10 @@ p4pd_error_t p4pd_global_table_ds_decoded_string_get(uint32_t tableid, uint32_t 
                                                      void *swkey_mask, void *actiondata,
                                                      char *buffer, uint16_t buf_len) {
     recording_host::scope inside;
-    const call made = host().record(
-        "p4pd_global_table_ds_decoded_string_get",
-        {number(tableid), number(index), pointer(swkey), pointer(swkey_mask), pointer(actiondata),
-         pointer(buffer), number(buf_len)});
+    const call made =
+        host().record("p4pd_global_table_ds_decoded_string_get",
+                      {number(tableid), number(index), pointer(swkey), pointer(swkey_mask),
+                       pointer(actiondata), pointer(buffer), number(buf_len)});
     if (buffer != nullptr && buf_len > 0) buffer[0] = '\0';
     return host().on_decode ? host().on_decode(made, buffer, buf_len) : P4PD_SUCCESS;
 }

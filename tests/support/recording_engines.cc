@@ -37,11 +37,10 @@ directmap *directmap::factory(const char *name, uint32_t table_id, uint32_t dept
                               uint16_t data_size, bool thread_safe, bool entry_trace,
                               table_health_cb health) {
     recording_host::scope inside;
-    const sdk_ret_t result =
-        engine_call("directmap::factory",
-                    {pointer(name), number(table_id), number(depth), number(data_size),
-                     number(thread_safe), number(entry_trace),
-                     pointer(reinterpret_cast<const void *>(health))});
+    const sdk_ret_t result = engine_call(
+        "directmap::factory",
+        {pointer(name), number(table_id), number(depth), number(data_size), number(thread_safe),
+         number(entry_trace), pointer(reinterpret_cast<const void *>(health))});
     return result == SDK_RET_OK ? new directmap : nullptr;
 }
 
@@ -131,7 +130,9 @@ void ftl_base::ftl_free(uint32_t module, void *memory, bool huge, unsigned long 
     std::free(memory);
 }
 
-sdk_ret_t ftl_base::restore_state() { return engine_call("ftl_base::restore_state", {pointer(this)}); }
+sdk_ret_t ftl_base::restore_state() {
+    return engine_call("ftl_base::restore_state", {pointer(this)});
+}
 
 sdk_ret_t ftl_base::init_(sdk_table_factory_params_ *params) {
     return engine_call("ftl_base::init_", {pointer(this), record_of(params)});

@@ -12,8 +12,8 @@
 //     EXPECT_THAT(host.text(), ElementsAre("asicpd_get_action_pc 37 0", ...));
 //
 // A test program compiles recording_host.cc and recording_engines.cc into itself and links the
-// library alone. The bit routines copy nothing. They read and write back the bytes they would touch,
-// so that a sanitizer sees a buffer that is too short.
+// library alone. The bit routines copy nothing. They read and write back the bytes they would
+// touch, so that a sanitizer sees a buffer that is too short.
 
 #include <cstddef>
 #include <cstdint>
@@ -30,9 +30,9 @@ namespace halden::test {
 
 struct argument {
     bool is_pointer = false;
-    uint64_t number = 0;          // the value, for what is no pointer
+    uint64_t number = 0;  // the value, for what is no pointer
     const void *pointer = nullptr;
-    std::vector<uint8_t> bytes;   // what stood there when the call was made; see each routine
+    std::vector<uint8_t> bytes;  // what stood there when the call was made; see each routine
 };
 
 struct call {
@@ -75,26 +75,28 @@ class recording_host {
     std::string text_of(const call &c) const;
     void name_buffer(std::string name, const void *start, size_t size);
 
-    // --- Answers. Unset functions answer what the comment says. -----------------------------------
+    // --- Answers. Unset functions answer what the comment says.
+    // -----------------------------------
     std::function<uint8_t(uint32_t tableid, uint8_t action)> on_action_pc;  // 0x20 + action
     std::function<uint8_t(uint32_t tableid, uint8_t pc)> on_action_id;      // pc - 0x20
     // The length of a prepared entry: 8 bits for a program counter, the key and the data.
     std::function<uint16_t(const call &)> on_prepare;
-    std::function<read_answer(const char *name, uint32_t tableid, uint32_t index)> on_read;  // empty
+    std::function<read_answer(const char *name, uint32_t tableid, uint32_t index)>
+        on_read;  // empty
     std::function<p4pd_error_t(uint32_t tableid, p4pd_table_properties_t *)> on_properties;  // -1
     std::function<p4pd_error_t(uint32_t tableid, void *)> on_global_properties;              // -1
-    std::function<p4pd_error_t(const call &)> on_global_entry_read;     // 0, touches nothing
+    std::function<p4pd_error_t(const call &)> on_global_entry_read;  // 0, touches nothing
     std::function<p4pd_error_t(const call &, char *buffer, uint16_t size)> on_decode;  // 0, empty
     // Result of an engine call, by its name ("directmap::insert_withid"). Success.
     std::function<sdk_ret_t(const call &)> on_engine;
-    uint16_t entry_offset = 0;           // bytes, of the hash prepares
-    int asic_result = 0;                 // of every ASIC write
+    uint16_t entry_offset = 0;  // bytes, of the hash prepares
+    int asic_result = 0;        // of every ASIC write
     p4pd_error_t global_write_result = 0;
     // Runs before a call answers, with the caller's buffers as they are then.
     std::function<void(const call &)> on_call;
 
-    // --- For the definitions of the imported names. -----------------------------------------------
-    // Keeps the call, runs on_call and returns it.
+    // --- For the definitions of the imported names.
+    // ----------------------------------------------- Keeps the call, runs on_call and returns it.
     call record(const char *name, std::vector<argument> arguments);
     void record_message(trace_message message);
 

@@ -28,9 +28,8 @@ TEST_F(RecordingHost, KeepsCallsInOrderWithNamedPlaces) {
     host.name_buffer("record", buffer.data() + 8, 8);
     p4pd_utils_copy_le_src_to_be_dest(buffer.data(), 11, buffer.data() + 10, 0, 12);
     sdk::asic::pd::asicpd_table_entry_write(16, 5, buffer.data(), 49, nullptr, true);
-    EXPECT_THAT(host.text(),
-                ElementsAre("p4pd_utils_copy_le_src_to_be_dest image 11 record+2 0 12",
-                            "asicpd_table_entry_write 16 5 image 49 null 1"));
+    EXPECT_THAT(host.text(), ElementsAre("p4pd_utils_copy_le_src_to_be_dest image 11 record+2 0 12",
+                                         "asicpd_table_entry_write 16 5 image 49 null 1"));
 }
 
 TEST_F(RecordingHost, KeepsTheBytesBehindAnImage) {

@@ -23,10 +23,10 @@ argument source(const uint8_t *address, size_t bit, size_t bits) {
     return image(address, bits == 0 ? 0 : bit + bits);
 }
 
-void record_copy(const char *name, uint8_t *dest, uint16_t dest_bit, uint8_t *src,
-                 uint16_t src_bit, uint16_t width, argument from) {
-    host().record(name, {pointer(dest), number(dest_bit), std::move(from), number(src_bit),
-                         number(width)});
+void record_copy(const char *name, uint8_t *dest, uint16_t dest_bit, uint8_t *src, uint16_t src_bit,
+                 uint16_t width, argument from) {
+    host().record(
+        name, {pointer(dest), number(dest_bit), std::move(from), number(src_bit), number(width)});
     touch(dest, dest_bit, width);
     (void)src;
 }
@@ -52,8 +52,7 @@ uint16_t record_hash_prepare(const char *name, uint8_t *entry, uint8_t action_pc
 void p4pd_utils_copy_into_hwentry(uint8_t *dest, uint16_t dest_bit, uint8_t *src, uint16_t src_bit,
                                   uint16_t width) {
     recording_host::scope inside;
-    record_copy("p4pd_utils_copy_into_hwentry", dest, dest_bit, src, src_bit, width,
-                image(src, 8));
+    record_copy("p4pd_utils_copy_into_hwentry", dest, dest_bit, src, src_bit, width, image(src, 8));
 }
 
 // The bytes of the field are kept.
@@ -99,10 +98,9 @@ void p4pd_utils_swizzle_bytes(uint8_t *buffer, uint16_t bits) {
 uint16_t p4pd_utils_p4table_entry_prepare(uint8_t *entry, uint8_t action_pc, uint8_t *key,
                                           uint16_t key_bits, uint8_t *data, uint16_t data_bits) {
     recording_host::scope inside;
-    const call made = host().record(
-        "p4pd_utils_p4table_entry_prepare",
-        {pointer(entry), number(action_pc), image(key, key_bits), number(key_bits),
-         image(data, data_bits), number(data_bits)});
+    const call made = host().record("p4pd_utils_p4table_entry_prepare",
+                                    {pointer(entry), number(action_pc), image(key, key_bits),
+                                     number(key_bits), image(data, data_bits), number(data_bits)});
     if (host().on_prepare) return host().on_prepare(made);
     return static_cast<uint16_t>((action_pc == 0xff ? 0 : 8) + key_bits + data_bits);
 }
@@ -116,8 +114,8 @@ uint16_t p4pd_utils_hash_table_entry_prepare(uint8_t *entry, uint8_t action_pc,
                                              uint16_t *entry_offset) {
     recording_host::scope inside;
     return record_hash_prepare("p4pd_utils_hash_table_entry_prepare", entry, action_pc,
-                               key_start_bit, key, key_bits, data_bits, before_key,
-                               before_key_bits, after_key, after_key_bits, entry_offset);
+                               key_start_bit, key, key_bits, data_bits, before_key, before_key_bits,
+                               after_key, after_key_bits, entry_offset);
 }
 
 uint16_t p4pd_utils_widekey_hash_table_entry_prepare(uint8_t *entry, uint8_t action_pc,
@@ -128,6 +126,6 @@ uint16_t p4pd_utils_widekey_hash_table_entry_prepare(uint8_t *entry, uint8_t act
                                                      uint16_t *entry_offset) {
     recording_host::scope inside;
     return record_hash_prepare("p4pd_utils_widekey_hash_table_entry_prepare", entry, action_pc,
-                               key_start_bit, key, key_bits, data_bits, before_key,
-                               before_key_bits, after_key, after_key_bits, entry_offset);
+                               key_start_bit, key, key_bits, data_bits, before_key, before_key_bits,
+                               after_key, after_key_bits, entry_offset);
 }

@@ -37,7 +37,7 @@ template <bool Ternary>
 
 template <bool Ternary, const table &T, size_t I>
 [[gnu::always_inline]] inline void build_field(const key_build &b) {
-    constexpr key_field f = T.key[I];
+    static constexpr key_field f = T.key[I];
     constexpr size_t base = pl::record_offset(T.key, I);
     if constexpr (f.where.how == placement::form::flag) {
         copy_bits<Ternary>(b, base, 0, f.where.at, 1);
@@ -51,8 +51,8 @@ template <bool Ternary, const table &T, size_t I>
         (std::make_index_sequence<f.bits - 8>{});
     } else {
         // The top byte may hold fewer than eight bits of the field; the rest go whole.
-        constexpr size_t bytes = (f.bits + 7) / 8;
-        constexpr uint16_t top = f.bits % 8 == 0 ? 8 : f.bits % 8;
+        static constexpr size_t bytes = (f.bits + 7) / 8;
+        static constexpr uint16_t top = f.bits % 8 == 0 ? 8 : f.bits % 8;
         copy_bits<Ternary>(b, base + bytes - 1, top - 1, f.where.at, top);
         [&]<size_t... N>(std::index_sequence<N...>) __attribute__((always_inline)) {
             (copy_bits<Ternary>(b, base + bytes - 2 - N, 7,

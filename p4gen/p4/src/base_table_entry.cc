@@ -1,6 +1,6 @@
 #include "sdk/base_table_entry.h"
 
-#include "assert_fail.h"
+#include "log/fail.h"
 
 base_table_entry_t *base_table_entry_t::construct(uint32_t) {
     __assert_fail("0", "sdk/include/sdk/base_table_entry", 19,

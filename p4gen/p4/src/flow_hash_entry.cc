@@ -3,7 +3,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "assert_fail.h"
+#include "log/fail.h"
 
 namespace lay = flow_layout;
 
