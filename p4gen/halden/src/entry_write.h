@@ -3,12 +3,13 @@
 // How an entry of each kind of table is written. One template per kind; the table's lengths,
 // offsets and ids are constants of its instance, so a writer is straight-line code.
 //
-//   index, SRAM      [pc][data] swizzled, with an optional mask entry      asicpd_table_entry_write
-//   index, HBM       [pc][data] as it is; a mask is packed and dropped asicpd_hbm_table_entry_write
-//   keyless          the empty entry, with an optional mask entry          asicpd_table_entry_write
-//   TCAM             the data row, then key and mask                       both of the above's
-//   SRAM/TCAM overflow TCAM    the data row in the owner's SRAM, then key and mask hash, SRAM
-//   [key][data] swizzled hash, HBM        wide key, data on both sides of its second half
+//   - index, SRAM: [pc][data], swizzled, with an optional mask entry
+//   - index, HBM: [pc][data] as it is; a mask is packed and dropped
+//   - keyless: the empty entry, with an optional mask entry
+//   - TCAM: the data row in SRAM, then key and mask in the TCAM
+//   - overflow TCAM: the data row in the owner's SRAM window, then key and mask in the TCAM
+//   - hash, SRAM: [key][data], swizzled
+//   - hash, HBM: the wide key, with data on both sides of its last part
 //
 // The templates are inlined into the named writers (gen/entry_writers.cc), which are the functions
 // one finds in the object code.
