@@ -22,6 +22,10 @@ std::string records_layout();
 std::string entry_writers_header();
 std::string entry_writers_source();
 
+// docs/tables/<table>.md and docs/tables/README.md
+std::string reference_page(const pipeline::table &t);
+std::string reference_index();
+
 // Text helpers of the emitters.
 std::string c_type(uint16_t bits);                         // "uint16_t"
 std::string member(std::string_view name, uint16_t bits);  // "uint8_t mac[6]"

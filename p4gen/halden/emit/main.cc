@@ -2,6 +2,7 @@
 // halden-emit --check DIR: writes nothing; fails and names each file that differs.
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -21,12 +22,43 @@ constexpr output outputs[] = {
     {"p4gen/halden/src/gen/entry_writers.cc", halden::emit::entry_writers_source},
 };
 
+constexpr const char *pages = "docs/tables/";
+
 std::string read_file(const std::string &path) {
     std::ifstream in(path, std::ios::binary);
     std::ostringstream text;
     text << in.rdbuf();
     return in ? text.str() : std::string();
 }
+
+class emission {
+  public:
+    emission(std::string root, bool check) : root_(std::move(root)), check_(check) {}
+
+    // Writes one file, or compares it. False when it cannot be written, or differs.
+    bool put(const std::string &path, const std::string &text) const {
+        const std::string whole_path = root_ + path;
+        if (read_file(whole_path) == text) return true;
+        if (check_) {
+            std::fprintf(stderr, "%s differs from a fresh emission; run halden-emit .\n",
+                         path.c_str());
+            return false;
+        }
+        std::filesystem::create_directories(std::filesystem::path(whole_path).parent_path());
+        std::ofstream out(whole_path, std::ios::binary);
+        out << text;
+        if (!out.flush()) {
+            std::fprintf(stderr, "%s: cannot be written\n", whole_path.c_str());
+            return false;
+        }
+        std::printf("wrote %s\n", path.c_str());
+        return true;
+    }
+
+  private:
+    std::string root_;
+    bool check_;
+};
 
 }  // namespace
 
@@ -37,23 +69,11 @@ int main(int argc, char **argv) {
         return 2;
     }
     const std::string root = std::string(argv[argc - 1]) + "/";
-    int stale = 0;
-    for (const auto &o : outputs) {
-        const std::string text = o.make(), path = root + o.path;
-        if (read_file(path) == text) continue;
-        if (check) {
-            std::fprintf(stderr, "%s differs from a fresh emission; run halden-emit %s\n", o.path,
-                         argv[argc - 1]);
-            ++stale;
-            continue;
-        }
-        std::ofstream out(path, std::ios::binary);
-        out << text;
-        if (!out.flush()) {
-            std::fprintf(stderr, "%s: cannot be written\n", path.c_str());
-            return 1;
-        }
-        std::printf("wrote %s\n", o.path);
-    }
-    return stale == 0 ? 0 : 1;
+    emission all(root, check);
+    bool good = true;
+    for (const auto &o : outputs) good &= all.put(o.path, o.make());
+    good &= all.put(std::string(pages) + "README.md", halden::emit::reference_index());
+    for (const auto *t : halden::pipeline::tables)
+        good &= all.put(pages + std::string(t->name) + ".md", halden::emit::reference_page(*t));
+    return good ? 0 : 1;
 }
