@@ -2,6 +2,7 @@
  * offset; the functions below let the C++ side see what C sees. */
 
 #include "p4gen/halden/src/gen/records_layout.h"
+#include "tests/abi/record_layouts.h"
 
 unsigned c_size_of_flow_key(void) { return (unsigned)sizeof(flow_swkey_t); }
 unsigned c_size_of_flow_info(void) { return (unsigned)sizeof(flow_info_actiondata_t); }

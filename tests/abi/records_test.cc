@@ -5,6 +5,7 @@
 
 #include "gtest/gtest.h"
 #include "p4pd_records.h"
+#include "tests/abi/record_layouts.h"
 
 extern "C" {
 unsigned c_size_of_flow_key(void);
