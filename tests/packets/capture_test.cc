@@ -1,0 +1,161 @@
+#include "tools/packets/capture.h"
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <stdexcept>
+#include <vector>
+
+#include "tools/packets/traffic.h"
+
+using namespace halden::packets;
+using bytes = std::vector<uint8_t>;
+using testing::HasSubstr;
+
+namespace {
+
+class Capture : public testing::Test {
+  protected:
+    Capture() {
+        std::string name = (std::filesystem::temp_directory_path() / "halden-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory");
+        directory_ = name;
+    }
+    ~Capture() override { std::filesystem::remove_all(directory_); }
+    std::string path(const char *name) const { return (directory_ / name).string(); }
+    std::string write(const char *name, const bytes &content) const {
+        std::ofstream(path(name), std::ios::binary)
+            .write(reinterpret_cast<const char *>(content.data()),
+                   static_cast<std::streamsize>(content.size()));
+        return path(name);
+    }
+    static std::string refusal(const std::string &file) {
+        try {
+            read_capture(file, [](const captured &) {});
+        } catch (const std::runtime_error &e) {
+            return e.what();
+        }
+        return "";
+    }
+
+  private:
+    std::filesystem::path directory_;
+};
+
+// A pcap file with one packet of 4 bytes out of 60, at 1.000002 s.
+bytes one_packet(uint8_t link_type) {
+    return {0xd4, 0xc3, 0xb2, 0xa1, 2, 0, 4, 0, 0, 0, 0, 0, 0, 0, 0,  0, 0, 0, 4, 0, link_type, 0,
+            0,    0,    1,    0,    0, 0, 2, 0, 0, 0, 4, 0, 0, 0, 60, 0, 0, 0, 9, 8, 7,         6};
+}
+
+}  // namespace
+
+TEST_F(Capture, ReadsPcap) {
+    int packets = 0;
+    const auto result = read_capture(write("a.pcap", one_packet(1)), [&](const captured &p) {
+        ++packets;
+        EXPECT_THAT(bytes(p.bytes.begin(), p.bytes.end()), testing::ElementsAre(9, 8, 7, 6));
+        EXPECT_EQ(p.wire_length, 60u);
+        EXPECT_EQ(p.microseconds, 1000002u);
+        EXPECT_EQ(p.kind, link_type::ethernet);
+    });
+    EXPECT_EQ(packets, 1);
+    EXPECT_EQ(result.packets, 1u);
+    EXPECT_EQ(result.cut_short, "");
+}
+
+TEST_F(Capture, ReadsPcapng) {
+    // Section header, interface description (Ethernet), one enhanced packet of 4 bytes.
+    const bytes file = {
+        0x0a, 0x0d, 0x0d, 0x0a, 28,   0,    0,    0,  0x4d, 0x3c, 0x2b, 0x1a, 1,  0, 0, 0,  0xff,
+        0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 28, 0,    0,    0,    1,    0,  0, 0, 20, 0,
+        0,    0,    1,    0,    0,    0,    0,    0,  4,    0,    20,   0,    0,  0, 6, 0,  0,
+        0,    36,   0,    0,    0,    0,    0,    0,  0,    0,    0,    0,    0,  5, 0, 0,  0,
+        4,    0,    0,    0,    60,   0,    0,    0,  9,    8,    7,    6,    36, 0, 0, 0};
+    int packets = 0;
+    read_capture(write("a.pcapng", file), [&](const captured &p) {
+        ++packets;
+        EXPECT_THAT(bytes(p.bytes.begin(), p.bytes.end()), testing::ElementsAre(9, 8, 7, 6));
+        EXPECT_EQ(p.microseconds, 5u);
+    });
+    EXPECT_EQ(packets, 1);
+}
+
+TEST_F(Capture, TellsRawIpFromEthernet) {
+    const bytes raw_ip = one_packet(101);
+    read_capture(write("raw.pcap", raw_ip),
+                 [](const captured &p) { EXPECT_EQ(p.kind, link_type::raw_ip); });
+}
+
+TEST_F(Capture, RefusesWhatIsNoCapture) {
+    EXPECT_THAT(refusal(path("absent.pcap")), HasSubstr("absent.pcap: No such file or directory"));
+    EXPECT_THAT(refusal(write("text.pcap", bytes(100, 'x'))), HasSubstr("text.pcap: "));
+    EXPECT_THAT(refusal(write("radio.pcap", one_packet(105))),
+                HasSubstr("packets of link type IEEE802_11; Ethernet (EN10MB) and raw IP (RAW) are "
+                          "read"));
+}
+
+TEST_F(Capture, DeliversThePacketsInFrontOfACut) {
+    bytes file = one_packet(1);
+    const bytes again(file.begin() + 24, file.end());
+    file.insert(file.end(), again.begin(), again.end() - 2);
+    int packets = 0;
+    const auto result = read_capture(write("cut.pcap", file), [&](const captured &) { ++packets; });
+    EXPECT_EQ(packets, 1);
+    EXPECT_THAT(result.cut_short, HasSubstr("truncated"));
+}
+
+TEST_F(Capture, TrafficReadsBackAsFlowsInBothDirections) {
+    capture_writer out(path("traffic.pcap"));
+    const traffic_made made = make_traffic(out, 3000, 1);
+    out.close();
+    EXPECT_GE(made.packets, 3000u);
+    EXPECT_GT(made.other_frames, 0u);
+    std::map<verdict, uint64_t> verdicts;
+    std::map<std::string, uint64_t> flows;
+    bool seen_vlan = false, seen_vni = false, seen_v6 = false;
+    uint64_t last = 0;
+    const auto result = read_capture(path("traffic.pcap"), [&](const captured &p) {
+        flow f;
+        const verdict v = dissect(p.bytes, p.kind, f);
+        ++verdicts[v];
+        EXPECT_GE(p.microseconds, last);
+        last = p.microseconds;
+        if (v != verdict::flow_found) return;
+        ++flows[flow_text(f) + " " + std::to_string(f.source_port)];
+        seen_vlan |= f.vlan != 0;
+        seen_vni |= f.vni != 0;
+        seen_v6 |= f.version == ip_version::v6;
+    });
+    EXPECT_EQ(result.packets, made.packets);
+    EXPECT_EQ(verdicts[verdict::not_ip], made.other_frames);
+    EXPECT_EQ(verdicts.size(), 2u) << "only flows and frames that are not IP";
+    EXPECT_GT(flows.size(), made.conversations);
+    EXPECT_LE(flows.size(), 2 * made.conversations);
+    EXPECT_TRUE(seen_vlan && seen_vni && seen_v6);
+}
+
+TEST_F(Capture, TheSameSeedMakesTheSameTraffic) {
+    const auto made = [&](const char *name, uint32_t seed) {
+        capture_writer out(path(name));
+        make_traffic(out, 500, seed);
+        out.close();
+        std::ifstream in(path(name), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    };
+    const std::string first = made("a", 7);
+    EXPECT_EQ(first, made("b", 7));
+    EXPECT_NE(first, made("c", 8));
+}
+
+TEST_F(Capture, AFileThatCannotBeMadeIsRefused) {
+    try {
+        capture_writer out(path("no/such/directory.pcap"));
+        FAIL() << "opened";
+    } catch (const std::runtime_error &e) {
+        EXPECT_THAT(e.what(), HasSubstr("no/such/directory.pcap: No such file or directory"));
+    }
+}
