@@ -114,14 +114,14 @@ TEST_F(Capture, TrafficReadsBackAsFlowsInBothDirections) {
     out.close();
     EXPECT_GE(made.packets, 3000u);
     EXPECT_GT(made.other_frames, 0u);
-    std::map<verdict, uint64_t> verdicts;
+    std::map<verdict, uint64_t> seen;
     std::map<std::string, uint64_t> flows;
     bool seen_vlan = false, seen_vni = false, seen_v6 = false;
     uint64_t last = 0;
     const auto result = read_capture(path("traffic.pcap"), [&](const captured &p) {
         flow f;
         const verdict v = dissect(p.bytes, p.kind, f);
-        ++verdicts[v];
+        ++seen[v];
         EXPECT_GE(p.microseconds, last);
         last = p.microseconds;
         if (v != verdict::flow_found) return;
@@ -131,8 +131,8 @@ TEST_F(Capture, TrafficReadsBackAsFlowsInBothDirections) {
         seen_v6 |= f.version == ip_version::v6;
     });
     EXPECT_EQ(result.packets, made.packets);
-    EXPECT_EQ(verdicts[verdict::not_ip], made.other_frames);
-    EXPECT_EQ(verdicts.size(), 2u) << "only flows and frames that are not IP";
+    EXPECT_EQ(seen[verdict::not_ip], made.other_frames);
+    EXPECT_EQ(seen.size(), 2u) << "only flows and frames that are not IP";
     EXPECT_GT(flows.size(), made.conversations);
     EXPECT_LE(flows.size(), 2 * made.conversations);
     EXPECT_TRUE(seen_vlan && seen_vni && seen_v6);

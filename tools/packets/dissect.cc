@@ -198,7 +198,7 @@ std::string protocol_text(uint8_t protocol) {
 
 std::string flow_text(const flow &f) {
     const auto end = [&](const std::array<uint8_t, 16> &address, uint16_t port) {
-        const std::string text = address_text(f.version, address);
+        std::string text = address_text(f.version, address);
         if (f.protocol != protocol_tcp && f.protocol != protocol_udp) return text;
         return (f.version == ip_version::v4 ? text : "[" + text + "]") + ":" + std::to_string(port);
     };
