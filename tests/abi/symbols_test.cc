@@ -37,7 +37,7 @@ std::string with_short_strings(std::string name) {
 // Without the address: "T p4pd_tableid_min_get()".
 names symbols(const std::string &options) {
     names out;
-    for (const std::string &line : lines_of("nm -D -C " + options + " " HALDEN_LIBRARY)) {
+    for (const std::string &line : lines_of(HALDEN_NM " -D -C " + options + " " HALDEN_LIBRARY)) {
         const size_t type = line.find_first_not_of("0123456789abcdef ");
         if (type != std::string::npos) out.insert(with_short_strings(line.substr(type)));
     }
@@ -115,7 +115,7 @@ TEST(Symbols, ImportsAreTheRunTimeOrThePlatformContract) {
 std::string dynamic(const std::string &tag, unsigned &count) {
     count = 0;
     std::string last;
-    for (const std::string &line : lines_of("readelf -d -W " HALDEN_LIBRARY)) {
+    for (const std::string &line : lines_of(HALDEN_READELF " -d -W " HALDEN_LIBRARY)) {
         if (line.find("(" + tag + ")") == std::string::npos) continue;
         const size_t open = line.find('['), close = line.find(']');
         last = line.substr(open + 1, close - open - 1);
