@@ -9,9 +9,11 @@ function(run what)
 endfunction()
 
 file(REMOVE_RECURSE ${WORK})
-run("install" ${CMAKE_COMMAND} --install ${BUILD} --config ${BUILD_TYPE} --prefix ${WORK}/prefix)
+run("install" ${CMAKE_COMMAND} --install ${BUILD} --config ${BUILD_TYPE} --prefix ${WORK}/made)
+# The package holds no path of the place that it was installed to.
+file(RENAME ${WORK}/made ${WORK}/moved)
 
-set(options -G ${GENERATOR} -D CMAKE_PREFIX_PATH=${WORK}/prefix -D CMAKE_BUILD_TYPE=${BUILD_TYPE}
+set(options -G ${GENERATOR} -D CMAKE_PREFIX_PATH=${WORK}/moved -D CMAKE_BUILD_TYPE=${BUILD_TYPE}
     -D CMAKE_C_COMPILER=${C_COMPILER} -D CMAKE_CXX_COMPILER=${CXX_COMPILER})
 if(TOOLCHAIN)
   # A cross build looks for packages below its own roots only.
