@@ -33,6 +33,12 @@ inline constexpr uint32_t row_bytes = 64;
 inline constexpr uint32_t tcam_image_bytes = row_bytes / 2;
 inline constexpr uint32_t flow_row_bytes = 128;
 
+// A flow key's image, and its place in a row: bytes 0 to 58 and 68 to 83. The data in front of the
+// key's rest stands between.
+inline constexpr uint32_t flow_key_first_bytes = 59;
+inline constexpr uint32_t flow_key_rest_byte = 68;
+inline constexpr uint32_t flow_key_rest_bytes = 16;
+
 struct table_memory {
     uint32_t id;
     uint32_t rows;
