@@ -54,8 +54,7 @@ bool agree(const expected_call &want, const call &got, ties &known) {
             continue;
         }
         if (!given.is_pointer) return false;
-        const std::string name =
-            recording_host::get().text_of({std::string(), {given}}).substr(1);
+        const std::string name = recording_host::get().text_of({std::string(), {given}}).substr(1);
         if (!known.agree(std::get<place>(want.arguments[i].is), given.pointer, name)) return false;
     }
     return true;
