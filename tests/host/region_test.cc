@@ -1,0 +1,99 @@
+// One memory: mapped zero, sparse, kept in its file.
+
+#include "host/memory/region.h"
+
+#include "tests/host/scratch_directory.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using halden::host::region;
+using halden::test::message_of;
+using halden::test::scratch_directory;
+
+constexpr size_t page = 4096;
+constexpr size_t many = size_t{1} << 30;  // far more than is ever touched
+
+TEST(Region, NewMemoryIsZero) {
+    const region memory("", 3 * page);
+    EXPECT_EQ(memory.size(), 3 * page);
+    EXPECT_TRUE(std::all_of(memory.base(), memory.base() + memory.size(),
+                            [](uint8_t byte) { return byte == 0; }));
+}
+
+TEST(Region, UntouchedMemoryHasNothingInUse) {
+    const region memory("", many);
+    size_t begin = 0, end = 0;
+    EXPECT_FALSE(memory.next_used(0, begin, end));
+    EXPECT_FALSE(memory.next_used(many - 1, begin, end));
+    EXPECT_FALSE(memory.next_used(many, begin, end));
+}
+
+TEST(Region, FindsTheNextTouchedPage) {
+    const region memory("", many);
+    constexpr size_t first = 5 * page, second = many / 2 + 7 * page;
+    memory.base()[first + 9] = 1;
+    memory.base()[second] = 1;
+    size_t begin = 0, end = 0;
+    ASSERT_TRUE(memory.next_used(0, begin, end));
+    EXPECT_LE(begin, first + 9);
+    EXPECT_GT(end, first + 9);
+    EXPECT_LT(end, second);
+    ASSERT_TRUE(memory.next_used(end, begin, end));
+    EXPECT_LE(begin, second);
+    EXPECT_GT(end, second);
+    EXPECT_FALSE(memory.next_used(std::max(end, second + 1), begin, end));
+}
+
+TEST(Region, AFileKeepsWhatWasStored) {
+    const scratch_directory scratch;
+    const std::string path = scratch.file("memory");
+    {
+        const region memory(path, 4 * page);
+        memory.base()[0] = 0x12;
+        memory.base()[4 * page - 1] = 0x34;
+    }
+    const region again(path, 4 * page);
+    EXPECT_EQ(again.base()[0], 0x12);
+    EXPECT_EQ(again.base()[1], 0x00);
+    EXPECT_EQ(again.base()[4 * page - 1], 0x34);
+}
+
+// A table of millions of rows costs no disk until it is used.
+TEST(Region, AFileIsSparse) {
+    const scratch_directory scratch;
+    const region memory(scratch.file("memory"), many);
+    memory.base()[many / 2] = 1;
+    struct stat status = {};
+    ASSERT_EQ(stat(scratch.file("memory").c_str(), &status), 0);
+    EXPECT_EQ(static_cast<size_t>(status.st_size), many);
+    EXPECT_LT(static_cast<size_t>(status.st_blocks) * 512, size_t{1} << 20);
+}
+
+TEST(Region, AFileOfAnotherSizeIsRefusedAndKept) {
+    const scratch_directory scratch;
+    const std::string path = scratch.file("memory");
+    { const region memory(path, 2 * page); }
+    EXPECT_EQ(message_of([&] { const region memory(path, 3 * page); }),
+              path + ": has 8192 bytes, this memory has 12288");
+    struct stat status = {};
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_size, 8192);
+}
+
+TEST(Region, APathThatCannotBeMadeIsRefused) {
+    const scratch_directory scratch;
+    const std::string path = scratch.file("absent") + "/memory";
+    EXPECT_EQ(message_of([&] { const region memory(path, page); }),
+              path + ": No such file or directory");
+}
+
+}  // namespace
