@@ -21,6 +21,9 @@ std::string records_layout();
 // p4gen/halden/src/gen/entry_writers.{h,cc}
 std::string entry_writers_header();
 std::string entry_writers_source();
+// include/tev_tbl.h and p4gen/halden/src/gen/tev_tbl.cc
+std::string tev_tbl_header();
+std::string tev_tbl_source();
 
 // docs/tables/<table>.md and docs/tables/README.md
 std::string reference_page(const pipeline::table &t);

@@ -20,6 +20,8 @@ constexpr output outputs[] = {
     {"p4gen/halden/src/gen/records_layout.h", halden::emit::records_layout},
     {"p4gen/halden/src/gen/entry_writers.h", halden::emit::entry_writers_header},
     {"p4gen/halden/src/gen/entry_writers.cc", halden::emit::entry_writers_source},
+    {"include/tev_tbl.h", halden::emit::tev_tbl_header},
+    {"p4gen/halden/src/gen/tev_tbl.cc", halden::emit::tev_tbl_source},
 };
 
 constexpr const char *pages = "docs/tables/";
