@@ -1,8 +1,9 @@
 # host_links: whether the host defines everything that a program with the library needs.
-execute_process(COMMAND grep -rqs "ftl_base::restore_state() *{" ${PROJECT_SOURCE_DIR}/host
-                RESULT_VARIABLE host_lacks_the_flow_engine)
-if(host_lacks_the_flow_engine EQUAL 0)
-  set(host_links ON)
-else()
-  set(host_links OFF)
-endif()
+set(host_links ON)
+foreach(engine directmap::destroy slhash::destroy sltcam::destroy ftl_base::destroy)
+  execute_process(COMMAND grep -rqs "${engine}(" ${PROJECT_SOURCE_DIR}/host
+                  RESULT_VARIABLE host_lacks_an_engine)
+  if(NOT host_lacks_an_engine EQUAL 0)
+    set(host_links OFF)
+  endif()
+endforeach()
