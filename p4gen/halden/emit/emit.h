@@ -32,6 +32,5 @@ std::string reference_index();
 // Text helpers of the emitters.
 std::string c_type(uint16_t bits);                         // "uint16_t"
 std::string member(std::string_view name, uint16_t bits);  // "uint8_t mac[6]"
-std::string_view kind_text(pipeline::kind k);
 
 }  // namespace halden::emit

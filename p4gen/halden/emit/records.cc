@@ -1,6 +1,7 @@
 // The software records: plain packed structures that C and C++ read alike.
 
 #include "p4gen/halden/emit/emit.h"
+#include "p4gen/halden/pipeline/words.h"
 
 namespace halden::emit {
 

@@ -3,6 +3,7 @@
 
 #include "p4gen/halden/emit/emit.h"
 #include "p4gen/halden/pipeline/layout.h"
+#include "p4gen/halden/pipeline/words.h"
 
 namespace halden::emit {
 
@@ -16,29 +17,6 @@ std::string bytes_text(unsigned n) { return number(n) + (n == 1 ? " byte" : " by
 std::string code(std::string_view text) { return "`" + std::string(text) + "`"; }
 std::string link_to(const table &t) {
     return "[`" + std::string(t.name) + "`](" + std::string(t.name) + ".md)";
-}
-const table &by_id(uint32_t id) { return *tables[id - 1]; }
-
-const table *overflow_of(const table &owner) {
-    for (const table *t : tables)
-        if (t->owner == owner.id) return t;
-    return nullptr;
-}
-
-// "0-7, 20-23": where a field's bits stand, most significant first.
-std::string places(std::vector<run> runs, bool of_key, size_t n) {
-    std::vector<run> own;
-    for (const run &r : runs)
-        if (r.number == n && r.of_key == of_key) own.push_back(r);
-    std::sort(own.begin(), own.end(),
-              [](const run &a, const run &b) { return a.low_bit > b.low_bit; });
-    std::string out;
-    for (const run &r : own) {
-        if (!out.empty()) out += ", ";
-        out += number(r.first);
-        if (r.bits > 1) out += "-" + number(r.first + r.bits - 1);
-    }
-    return out;
 }
 
 std::string record_place(unsigned offset, uint16_t bits) {
@@ -61,68 +39,6 @@ std::string field_rows(std::span<const Field> fields, const std::vector<run> &ru
                code(type) + " | " + std::string(f.doc) + " |\n";
     }
     return out + "\n";
-}
-
-std::string where_it_goes(const table &t) {
-    switch (t.kind) {
-        case kind::hash_hbm:
-            return "One HBM row of " + number(wide_row_bits / 8) +
-                   " bytes holds key and data. The row is that of the flow's hash in " +
-                   link_to(by_id(2)) + "; entries whose row is taken are chained in " +
-                   link_to(by_id(1)) + " through the hint slots of the entry in front of them.\n";
-        case kind::hash_sram: {
-            const table *spill = overflow_of(t);
-            return "One SRAM row holds key and data, at the row that the key's hash gives. An "
-                   "entry "
-                   "whose row is taken goes to " +
-                   link_to(*spill) +
-                   ", whose data rows follow this table's rows in the same SRAM.\n";
-        }
-        case kind::overflow_tcam:
-            return "Key and mask go to this table's TCAM at the entry's index; the data goes to "
-                   "the "
-                   "SRAM of " +
-                   link_to(by_id(t.owner)) + ", at row index + " + number(t.overflow_base) +
-                   ". The data row is written first. Used for keys whose hash row is taken by "
-                   "another key.\n";
-        case kind::tcam:
-            return "Key and mask go to the TCAM, the data to SRAM at the same index. The data row "
-                   "is "
-                   "written first. When several rows match a packet, the lowest one wins.\n";
-        case kind::index_sram:
-            return "One SRAM row, at the index itself. Indices run from 0 to " +
-                   number(t.index_max) + ".\n";
-        case kind::index_hbm:
-            return "One HBM row, at the index itself. Indices run from 0 to " +
-                   number(t.index_max) + ".\n";
-        case kind::keyless:
-            return "One SRAM row, which selects the action program and holds nothing else.\n";
-    }
-    return {};
-}
-
-std::string why_it_misses(const table &t) {
-    switch (t.kind) {
-        case kind::hash_hbm:
-            return "Every one of the key's 600 bits is compared, the spare and reserved ones too: "
-                   "what software leaves in them must be what the packet's key has. A lookup also "
-                   "misses when no hint chain leads from the flow's row to its entry.\n";
-        case kind::hash_sram:
-            return "The row that the key's hash gives holds another key (all " +
-                   bits_text(t.key_bits) +
-                   " are compared), and no row of the overflow TCAM matches either.\n";
-        case kind::overflow_tcam:
-        case kind::tcam:
-            return "No row has (packet key & mask) = key. A field is matched in the bits where its "
-                   "mask is 1; a mask of 0 matches anything. A row of length 0 matches nothing.\n";
-        case kind::index_sram:
-        case kind::index_hbm:
-            return "An index always finds its row. A row that was never written reads as length 0, "
-                   "and its record is left as it was.\n";
-        case kind::keyless:
-            return "There is nothing to look up: the table's program runs on every packet.\n";
-    }
-    return {};
 }
 
 std::string key_part(const table &t) {
@@ -177,9 +93,10 @@ std::string reference_page(const table &t) {
     return "<!-- Written by halden-emit from p4gen/halden/pipeline; do not edit. -->\n# " + name +
            "\n\n" + std::string(t.doc) + "\n\nTable " + number(t.id) + ", " +
            code(table_id_name(t)) + ": " + std::string(kind_text(t.kind)) +
-           ". All tables: [index](README.md).\n\n## Where an entry goes\n\n" + where_it_goes(t) +
-           "\n## Why a lookup misses\n\n" + why_it_misses(t) + "\n" + key_part(t) + index_part(t) +
-           actions_part(t) + "## At the command line\n\n    haldenctl describe " + name +
+           ". All tables: [index](README.md).\n\n## Where an entry goes\n\n" +
+           where_it_goes(t, link_to) + "\n\n## Why a lookup misses\n\n" + why_it_misses(t) +
+           "\n\n" + key_part(t) + index_part(t) + actions_part(t) +
+           "## At the command line\n\n    haldenctl describe " + name +
            "      # this page, drawn\n    haldenctl dump " + name + "          # every used row\n";
 }
 

@@ -23,24 +23,4 @@ std::string member(std::string_view name, uint16_t bits) {
     return out;
 }
 
-std::string_view kind_text(kind k) {
-    switch (k) {
-        case kind::hash_hbm:
-            return "exact match with a wide key, one HBM row an entry";
-        case kind::hash_sram:
-            return "exact match, one SRAM row an entry";
-        case kind::overflow_tcam:
-            return "ternary match, data in the SRAM of the hash table it serves";
-        case kind::tcam:
-            return "ternary match, data in SRAM at the same row";
-        case kind::index_sram:
-            return "row index, SRAM";
-        case kind::index_hbm:
-            return "row index, HBM";
-        case kind::keyless:
-            return "no key and no data, an action program alone";
-    }
-    return {};
-}
-
 }  // namespace halden::emit
