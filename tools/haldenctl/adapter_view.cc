@@ -1,0 +1,88 @@
+#include "tools/haldenctl/adapter_view.h"
+
+#include <array>
+
+#include "p4pd.h"
+#include "sdk/p4pd_utils.h"
+#include "tools/haldenctl/failure.h"
+
+namespace halden::tool {
+
+using namespace pipeline;
+
+namespace {
+
+std::unique_ptr<host::adapter> opened(const std::string &directory) {
+    try {
+        return directory.empty() ? host::adapter::anonymous() : host::adapter::open(directory);
+    } catch (const std::exception &error) {
+        throw failure(error.what());
+    }
+}
+
+std::vector<uint8_t> taken(const uint8_t *image, uint32_t bits) {
+    return {image, image + (bits + 7) / 8};
+}
+
+}  // namespace
+
+opened_adapter::opened_adapter(const std::string &directory)
+    : adapter_(opened(directory)), current_(*adapter_) {}
+
+std::string opened_adapter::name() const {
+    return adapter_->directory().empty() ? "memory that ends with this command"
+                                         : "adapter " + adapter_->directory();
+}
+
+std::optional<stored_row> stored_at(host::adapter &adapter, const table &t, uint32_t row) {
+    stored_row out;
+    uint16_t bits = 0;
+    if (has_mask(t.kind)) {
+        std::array<uint8_t, host::tcam_image_bytes> key = {}, mask = {};
+        adapter.tcam_read(t.id, row, key.data(), mask.data(), &bits);
+        if (bits == 0) return std::nullopt;
+        p4pd_utils_swizzle_bytes(key.data(), bits);
+        p4pd_utils_swizzle_bytes(mask.data(), bits);
+        out.key = taken(key.data(), bits);
+        out.mask = taken(mask.data(), bits);
+    }
+    std::array<uint8_t, host::flow_row_bytes> image = {};
+    if (is_hbm(t.kind)) {
+        adapter.hbm_read(t.id, row, image.data(), &bits);
+    } else {
+        adapter.sram_read(t.id, row, image.data(), &bits);
+        p4pd_utils_swizzle_bytes(image.data(), bits);
+    }
+    if (bits == 0 && out.key.empty()) return std::nullopt;
+    out.data = taken(image.data(), bits);
+    out.data_bits = bits;
+    return out;
+}
+
+std::optional<records> read_back(host::adapter &adapter, const table &t, uint32_t row) {
+    if (!stored_at(adapter, t, row)) return std::nullopt;
+    records out(t);
+    // The library asks for a row's room to unpack whatever the row says it holds.
+    if (p4pd_entry_read(t.id, row, out.key_pointer(), out.mask_pointer(), out.data.data(), nullptr,
+                        false) != P4PD_SUCCESS)
+        return std::nullopt;
+    return out;
+}
+
+void check_row(host::adapter &adapter, const table &t, uint32_t row) {
+    const uint32_t rows = adapter.depth(t.id);
+    if (row >= rows)
+        throw failure("index " + std::to_string(row) + " is beyond " + std::to_string(rows - 1) +
+                      "; allowed: 0 to " + std::to_string(rows - 1));
+}
+
+std::string place_of(const table &t, uint32_t row) {
+    const std::string number = std::to_string(row);
+    if (t.kind == kind::overflow_tcam)
+        return "TCAM row " + number + ", SRAM row " + std::to_string(t.overflow_base + row) +
+               " of " + std::string(find_table(t.owner)->name);
+    if (t.kind == kind::tcam) return "TCAM and SRAM row " + number;
+    return (is_hbm(t.kind) ? "HBM row " : "SRAM row ") + number;
+}
+
+}  // namespace halden::tool

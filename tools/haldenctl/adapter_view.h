@@ -1,0 +1,47 @@
+#pragma once
+
+// What stands on an adapter, for the screens of the tool.
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "host/adapter.h"
+#include "tools/haldenctl/record.h"
+
+namespace halden::tool {
+
+// The adapter in `directory`; with an empty name, one whose memory ends with the process. It
+// answers the library's imports as long as it lives.
+class opened_adapter {
+  public:
+    explicit opened_adapter(const std::string &directory);
+    host::adapter &operator*() const { return *adapter_; }
+    host::adapter *operator->() const { return adapter_.get(); }
+    // "adapter DIR" or "memory that ends with this command".
+    std::string name() const;
+
+  private:
+    std::unique_ptr<host::adapter> adapter_;
+    host::scoped_current current_;
+};
+
+// One row's images in wire order, as the layout routines made them: swizzling is undone.
+struct stored_row {
+    std::vector<uint8_t> key, mask;  // TCAM images
+    std::vector<uint8_t> data;
+    uint32_t data_bits = 0;
+};
+// `row` is the table's own, also for an overflow table. Nothing for an empty row.
+std::optional<stored_row> stored_at(host::adapter &adapter, const pipeline::table &t, uint32_t row);
+
+// The entry as the library reads it back. Nothing for an empty row.
+std::optional<records> read_back(host::adapter &adapter, const pipeline::table &t, uint32_t row);
+
+// Throws failure when the table has no such row.
+void check_row(host::adapter &adapter, const pipeline::table &t, uint32_t row);
+
+// "SRAM row 5", "TCAM row 3, SRAM row 4099 of vlan_mapping": where an entry of that row stands.
+std::string place_of(const pipeline::table &t, uint32_t row);
+
+}  // namespace halden::tool

@@ -1,0 +1,20 @@
+#pragma once
+
+// The commands of haldenctl, one function each to hang it into the command line.
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+namespace halden::tool {
+
+// What the options in front of the command say.
+struct options {
+    std::string adapter;  // directory; empty for memory that ends with the command
+};
+
+void add_tables(CLI::App &app, const options &given);
+void add_describe(CLI::App &app, const options &given);
+void add_write(CLI::App &app, const options &given);
+void add_lookup(CLI::App &app, const options &given);
+
+}  // namespace halden::tool

@@ -1,0 +1,111 @@
+#include "tools/haldenctl/entry_text.h"
+
+#include "tools/haldenctl/naming.h"
+#include "tools/haldenctl/screen.h"
+
+namespace halden::tool {
+
+using namespace pipeline;
+
+namespace {
+
+bool ternary(const records &entry) { return has_mask(entry.of->kind); }
+
+wide mask_of(const records &entry, size_t n) {
+    return entry.mask_value(n) & all_ones(entry.of->key[n].bits);
+}
+
+std::string key_word(const records &entry, size_t n) {
+    const key_field &f = entry.of->key[n];
+    const wide mask = mask_of(entry, n);
+    if (mask == all_ones(f.bits)) return shown(entry.key_value(n), f.name, f.bits);
+    return masked_word_of(entry.key_value(n), mask, f.name, f.bits);
+}
+
+// The whole name, or what stands behind one of its underscores.
+bool names(std::string_view field, std::string_view given) {
+    return field == given || (field.size() > given.size() + 1 && field.ends_with(given) &&
+                              field[field.size() - given.size() - 1] == '_');
+}
+
+size_t key_field_of(const table &t, std::string_view given) {
+    size_t found = t.key.size(), hits = 0;
+    for (size_t n = 0; n < t.key.size(); ++n) {
+        if (t.key[n].name == given) return n;
+        if (names(t.key[n].name, given)) {
+            found = n;
+            ++hits;
+        }
+    }
+    return hits == 1 ? found : field_named(t.key, given, "key field");
+}
+
+}  // namespace
+
+std::string key_line(const records &entry) {
+    std::string out;
+    for (size_t n = 0; n < entry.of->key.size(); ++n) {
+        if (ternary(entry) ? mask_of(entry, n) == 0 : entry.key_value(n) == 0) continue;
+        if (!out.empty()) out += ", ";
+        out += std::string(entry.of->key[n].name) + " " + key_word(entry, n);
+    }
+    if (out.empty()) return ternary(entry) ? "any packet" : "all fields 0";
+    return out;
+}
+
+std::string data_line(const records &entry) {
+    const action *a = entry.action();
+    if (a == nullptr) return "no such action: " + std::to_string(entry.action_id());
+    std::string out;
+    for (size_t n = 0; n < a->fields.size(); ++n) {
+        if (entry.data_value(n) == 0) continue;
+        if (!out.empty()) out += ", ";
+        out += std::string(a->fields[n].name) + " " +
+               shown(entry.data_value(n), a->fields[n].name, a->fields[n].bits);
+    }
+    return out.empty() && !a->fields.empty() ? "all fields 0" : out;
+}
+
+std::string entry_text(const records &entry, unsigned indent) {
+    columns out({"FIELD", ">BITS", "VALUE"});
+    for (size_t n = 0; n < entry.of->key.size(); ++n)
+        out.row({"key   " + std::string(entry.of->key[n].name),
+                 std::to_string(entry.of->key[n].bits), key_word(entry, n)},
+                colour::key);
+    if (const action *a = entry.action(); a != nullptr) {
+        out.row({"action", "", std::string(a->name)});
+        for (size_t n = 0; n < a->fields.size(); ++n)
+            out.row({"data  " + std::string(a->fields[n].name), std::to_string(a->fields[n].bits),
+                     shown(entry.data_value(n), a->fields[n].name, a->fields[n].bits)},
+                    colour::data);
+    } else {
+        out.row({"action", "", "none with id " + std::to_string(entry.action_id())}, colour::bad);
+    }
+    return out.text(indent);
+}
+
+void set_key_fields(records &entry, const std::vector<std::string> &given) {
+    std::vector<bool> seen(entry.of->key.size());
+    for (const std::string &argument : given) {
+        const size_t equals = argument.find('=');
+        if (equals == argument.npos || equals == 0)
+            throw failure("'" + argument + "' is no field; allowed: FIELD=VALUE, as " +
+                          std::string(entry.of->key.empty() ? "vlan_id" : entry.of->key[0].name) +
+                          "=1");
+        const size_t n = key_field_of(*entry.of, argument.substr(0, equals));
+        const key_field &f = entry.of->key[n];
+        if (seen[n]) throw failure(std::string(f.name) + " is given twice");
+        seen[n] = true;
+        const std::string value = argument.substr(equals + 1);
+        try {
+            const written_value v = ternary(entry)
+                                        ? parse_masked(value, f.bits)
+                                        : written_value{parse_value(value, f.bits), 0, false};
+            entry.set_key(n, v.value, v.mask);
+        } catch (const failure &error) {
+            throw error.inside(std::string(f.name));
+        }
+    }
+}
+
+}  // namespace halden::tool

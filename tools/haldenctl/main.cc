@@ -1,0 +1,74 @@
+// haldenctl: the tables of the pipeline from the command line.
+//
+// Exit status: 0 done; 1 the input or the adapter would not have it, one line on standard error; 2
+// the command line was not understood.
+
+#include <cstdio>
+#include <iostream>
+
+#include "host/trace/trace.h"
+#include "tools/haldenctl/commands.h"
+#include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/screen.h"
+
+int main(int argc, char **argv) {
+    using namespace halden;
+    constexpr int refused = 1, not_understood = 2;
+
+    CLI::App app(
+        "The match-action tables of the halden pipeline: what they are, what stands in "
+        "them, what a packet would hit.",
+        "haldenctl");
+    app.set_version_flag("--version", "haldenctl " HALDEN_VERSION);
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.get_formatter()->column_width(34);
+
+    tool::options given;
+    app.add_option("--adapter", given.adapter,
+                   "Directory of the software adapter, made when it is absent; without it, memory "
+                   "ends with the command")
+        ->envname("HALDEN_ADAPTER")
+        ->type_name("DIR");
+    std::string colours = "auto", level, log_file;
+    app.add_option("--color", colours, "Colours: auto, always or never")
+        ->check(CLI::IsMember({"auto", "always", "never"}))
+        ->type_name("WHEN")
+        ->capture_default_str();
+    app.add_option("--log-level", level,
+                   "Messages from this level on: trace, debug, info, warning, error, critical, off")
+        ->type_name("LEVEL");
+    app.add_option("--log-file", log_file, "Messages go to this file instead of standard error")
+        ->type_name("FILE");
+    // Runs when the options are known, before the command does.
+    app.parse_complete_callback([&] {
+        tool::use_colours(colours);
+        if (!level.empty() && !host::trace::set_level(level))
+            throw tool::failure("--log-level: '" + level +
+                                "' is no level; allowed: trace, debug, info, warning, error, "
+                                "critical, off");
+        if (!log_file.empty() && !host::trace::set_file(log_file))
+            throw tool::failure("--log-file: " + log_file + " cannot be opened for appending");
+    });
+    app.footer("`haldenctl COMMAND --help` says more about a command.");
+
+    tool::add_tables(app, given);
+    tool::add_describe(app, given);
+    tool::add_write(app, given);
+    tool::add_lookup(app, given);
+
+    try {
+        app.parse(argc, argv);
+        std::cout.flush();
+        if (!std::cout) throw tool::failure("standard output cannot be written");
+    } catch (const CLI::ParseError &error) {
+        if (error.get_exit_code() == 0) return app.exit(error);
+        app.exit(error);
+        return not_understood;
+    } catch (const std::exception &error) {
+        std::cout.flush();
+        std::cerr << "haldenctl: " << error.what() << "\n";
+        return refused;
+    }
+    return 0;
+}
