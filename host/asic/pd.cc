@@ -4,40 +4,42 @@
 
 #include "host/actions/actions.h"
 #include "host/adapter.h"
+#include "host/asic/outcome.h"
 
 namespace sdk::asic::pd {
 
 using halden::host::asic_call;
+using halden::host::asic_outcome;
 using halden::host::current;
 
 int asicpd_table_entry_write(uint32_t tableid, uint32_t index, uint8_t *entry, uint16_t entry_bits,
                              uint8_t *mask, bool /*flag*/) {
-    return static_cast<int>(current().sram_write(tableid, index, entry, entry_bits, mask));
+    return asic_outcome::note(current().sram_write(tableid, index, entry, entry_bits, mask));
 }
 
 int asicpd_table_entry_read(uint32_t tableid, uint32_t index, uint8_t *entry, uint16_t *entry_bits,
                             bool /*flag*/) {
-    return static_cast<int>(current().sram_read(tableid, index, entry, entry_bits));
+    return asic_outcome::note(current().sram_read(tableid, index, entry, entry_bits));
 }
 
 int asicpd_tcam_table_entry_write(uint32_t tableid, uint32_t index, uint8_t *key, uint8_t *mask,
                                   uint16_t width, bool /*flag*/) {
-    return static_cast<int>(current().tcam_write(tableid, index, key, mask, width));
+    return asic_outcome::note(current().tcam_write(tableid, index, key, mask, width));
 }
 
 int asicpd_tcam_table_entry_read(uint32_t tableid, uint32_t index, uint8_t *key, uint8_t *mask,
                                  uint16_t *width, void * /*extra*/, bool /*flag*/) {
-    return static_cast<int>(current().tcam_read(tableid, index, key, mask, width));
+    return asic_outcome::note(current().tcam_read(tableid, index, key, mask, width));
 }
 
 int asicpd_hbm_table_entry_write(uint32_t tableid, uint32_t index, uint8_t *entry,
                                  uint32_t /*reserved*/, uint16_t entry_bits) {
-    return static_cast<int>(current().hbm_write(tableid, index, entry, entry_bits));
+    return asic_outcome::note(current().hbm_write(tableid, index, entry, entry_bits));
 }
 
 int asicpd_hbm_table_entry_read(uint32_t tableid, uint32_t index, uint8_t *entry,
                                 uint16_t *entry_bits) {
-    return static_cast<int>(current().hbm_read(tableid, index, entry, entry_bits));
+    return asic_outcome::note(current().hbm_read(tableid, index, entry, entry_bits));
 }
 
 uint8_t asicpd_get_action_pc(uint32_t tableid, uint8_t actionid) {

@@ -1,0 +1,128 @@
+#pragma once
+
+// What the table engines have in common: the table they serve, whole entries in and out of the
+// adapter's memory through the pipeline's entry points, and their statistics.
+//
+// An engine serves the adapter that is current when it is made; that adapter stays current, and
+// alive, as long as the engine. What stands in its memory then are the engine's first entries, so
+// an engine made on an adapter that was filled by an earlier process goes on where that ended.
+
+#include "host/adapter.h"
+#include "sdk/p4pd_global.h"
+#include "sdk/table/types.h"
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <span>
+
+namespace halden::host {
+
+struct engine_statistics {
+    uint32_t rows = 0;
+    uint32_t used = 0;
+    uint32_t overflow_rows = 0;  // hash tables only
+    uint32_t overflow_used = 0;
+
+    // Calls that went through, and those that did not (an absent entry is no failure).
+    uint64_t inserts = 0;
+    uint64_t updates = 0;
+    uint64_t removes = 0;
+    uint64_t lookups = 0;
+    uint64_t failures = 0;
+    uint64_t collisions = 0;  // hash: inserts whose row was taken
+    uint64_t moves = 0;       // ternary: entries moved to make room
+};
+
+// One entry as software sees it. The spans live as long as the call they are passed to.
+struct stored_entry {
+    uint32_t table;  // that holds it: the engine's own, or its overflow
+    uint32_t row;
+    std::span<const uint8_t> key;   // empty for index tables
+    std::span<const uint8_t> mask;  // empty for tables without a TCAM
+    std::span<const uint8_t> data;  // action-data record
+};
+using entry_visitor = std::function<void(const stored_entry &)>;
+
+// Room for any record, or for any key image of an SRAM table.
+inline constexpr size_t record_room = 128;
+using record_bytes = std::array<uint8_t, record_room>;
+
+// An entry's images as the TCAM compares them: what must be one, and what must be zero.
+struct ternary_key {
+    record_bytes ones = {};
+    record_bytes zeros = {};
+
+    bool operator==(const ternary_key &) const = default;
+    // Bits that are compared.
+    uint32_t specificity() const;
+};
+
+class table_rows {
+  public:
+    table_rows(adapter &hardware, uint32_t table);
+
+    uint32_t table() const { return table_; }
+    uint32_t rows() const { return properties_.tabledepth; }
+    uint16_t key_bytes() const { return properties_.key_struct_size; }
+    uint16_t data_bytes() const { return properties_.actiondata_struct_size; }
+    adapter &hardware() const { return hardware_; }
+
+    // The images of a key record; without a mask every key bit is compared. Hash tables: `ones`
+    // is the key image.
+    ternary_key images_of(const void *key, const void *mask) const;
+    // Those of a TCAM row.
+    sdk_ret_t images_at(uint32_t row, ternary_key &out) const;
+
+    // True for an action id the table has. The p4pd layer takes any other for a programming error
+    // and ends the process.
+    bool knows_action(const void *data) const;
+
+    // Writes a whole entry; on failure a row that was empty is empty again, and one that was not
+    // has its old data.
+    sdk_ret_t write(uint32_t row, const ternary_key *images, const void *data) const;
+    // Reads one; SDK_RET_ENTRY_NOT_FOUND for an empty row. Null for what is not wanted.
+    sdk_ret_t read(uint32_t row, record_bytes &data, record_bytes *key = nullptr,
+                   record_bytes *mask = nullptr) const;
+    sdk_ret_t clear(uint32_t row) const;
+    // Whether hardware sees an entry there.
+    bool in_use(uint32_t row) const { return hardware_.next_used(table_, row) == row; }
+
+    uint32_t count_used() const;
+    void for_each(const entry_visitor &visit) const;
+
+  private:
+    sdk_ret_t write_once(uint32_t row, const ternary_key *images, const void *data) const;
+
+    adapter &hardware_;
+    uint32_t table_;
+    p4pd_table_properties_t properties_ = {};
+};
+
+// What an engine counts, when it is made with its entry trace on.
+class call_counters {
+  public:
+    explicit call_counters(bool on) : on_(on) {}
+
+    std::atomic<uint64_t> inserts = 0, updates = 0, removes = 0, lookups = 0, failures = 0,
+                          collisions = 0, moves = 0;
+
+    void add(std::atomic<uint64_t> &counter) {
+        if (on_) counter.fetch_add(1, std::memory_order_relaxed);
+    }
+    // Counts a call by its result, which is passed on.
+    sdk_ret_t done(std::atomic<uint64_t> &counter, sdk_ret_t result) {
+        if (result == SDK_RET_OK)
+            add(counter);
+        else if (result != SDK_RET_ENTRY_NOT_FOUND)
+            add(failures);
+        return result;
+    }
+    engine_statistics statistics() const;
+
+  private:
+    bool on_;
+};
+
+}  // namespace halden::host

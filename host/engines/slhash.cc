@@ -1,0 +1,226 @@
+// The exact-match engine.
+//
+//     key ──hash──▶ row of the hash table ──taken by another key──▶ a free row of the overflow TCAM
+//
+// An entry stays where it was put: a row that becomes free is taken by the next key that hashes
+// there, and the entries that overflowed because of it stay in the TCAM, which hardware looks up
+// after the row in any case.
+
+#include "sdk/table/slhash.h"
+
+#include "host/engines/access.h"
+#include "host/engines/engine.h"
+#include "host/view/row_hash.h"
+
+#include <cstring>
+#include <map>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <shared_mutex>
+#include <vector>
+
+namespace sdk::table {
+
+using namespace halden::host;
+
+struct slhash::impl {
+    impl(uint32_t id, uint32_t overflow_id, bool trace)
+        : main(current(), id), overflow(current(), overflow_id), counters(trace) {
+        for (uint32_t row = overflow.rows(); row-- > 0;) {
+            ternary_key images;
+            const sdk_ret_t found = overflow.images_at(row, images);
+            if (found == SDK_RET_OK)
+                overflowed.emplace(images.ones, row);
+            else
+                free_rows.push_back(row);
+        }
+    }
+
+    struct place {
+        const table_rows *table;
+        uint32_t row;
+    };
+
+    uint32_t hashed_row(const record_bytes &image) const {
+        return view::hash_row(main.table(), image.data(), main.rows());
+    }
+
+    // Where the key stands. `bad` becomes a read's failure, SDK_RET_ENTRY_NOT_FOUND when it stands
+    // nowhere; `*hashed_taken` tells whether its own row holds another key.
+    std::optional<place> find(const ternary_key &wanted, sdk_ret_t &bad, bool *hashed_taken) const {
+        const uint32_t row = hashed_row(wanted.ones);
+        record_bytes data, key;
+        bad = main.read(row, data, &key);
+        if (bad == SDK_RET_OK && main.images_of(key.data(), nullptr).ones == wanted.ones)
+            return place{&main, row};
+        if (bad != SDK_RET_OK && bad != SDK_RET_ENTRY_NOT_FOUND) return std::nullopt;
+        if (hashed_taken != nullptr) *hashed_taken = bad == SDK_RET_OK;
+        bad = SDK_RET_ENTRY_NOT_FOUND;
+        const auto known = overflowed.find(wanted.ones);
+        if (known == overflowed.end()) return std::nullopt;
+        bad = SDK_RET_OK;
+        return place{&overflow, known->second};
+    }
+
+    // A key record may carry bits that the hardware has no room for; the images do not.
+    static bool usable(const sdk_table_api_params_ *params) {
+        return params != nullptr && params->key != nullptr && params->mask == nullptr;
+    }
+
+    sdk_ret_t insert(const sdk_table_api_params_ *params);
+    sdk_ret_t update(const sdk_table_api_params_ *params);
+    sdk_ret_t remove(const sdk_table_api_params_ *params);
+    sdk_ret_t get(const sdk_table_api_params_ *params) const;
+
+    table_rows main;
+    table_rows overflow;
+    call_counters counters;
+    mutable std::shared_mutex mutex;
+    std::map<record_bytes, uint32_t> overflowed;  // key image to TCAM row
+    std::vector<uint32_t> free_rows;              // of the TCAM; the last is taken first
+};
+
+sdk_ret_t slhash::impl::insert(const sdk_table_api_params_ *params) {
+    if (!usable(params) || params->data == nullptr || !main.knows_action(params->data))
+        return SDK_RET_INVALID_ARG;
+    const std::unique_lock lock(mutex);
+    const ternary_key images = main.images_of(params->key, nullptr);
+    sdk_ret_t bad = SDK_RET_OK;
+    bool taken = false;
+    if (find(images, bad, &taken)) return SDK_RET_ENTRY_EXISTS;
+    if (bad != SDK_RET_ENTRY_NOT_FOUND) return bad;
+    if (!taken) return main.write(hashed_row(images.ones), &images, params->data);
+
+    counters.add(counters.collisions);
+    if (free_rows.empty()) return SDK_RET_NO_RESOURCE;
+    const uint32_t row = free_rows.back();
+    const ternary_key ternary = overflow.images_of(params->key, nullptr);
+    // Known before the memory is touched, so that a shortage of memory changes nothing.
+    const auto known = overflowed.emplace(ternary.ones, row).first;
+    const sdk_ret_t result = overflow.write(row, &ternary, params->data);
+    if (result == SDK_RET_OK)
+        free_rows.pop_back();
+    else
+        overflowed.erase(known);
+    return result;
+}
+
+sdk_ret_t slhash::impl::update(const sdk_table_api_params_ *params) {
+    if (!usable(params) || params->data == nullptr || !main.knows_action(params->data))
+        return SDK_RET_INVALID_ARG;
+    const std::unique_lock lock(mutex);
+    sdk_ret_t bad = SDK_RET_OK;
+    const auto at = find(main.images_of(params->key, nullptr), bad, nullptr);
+    if (!at) return bad;
+    const ternary_key images = at->table->images_of(params->key, nullptr);
+    return at->table->write(at->row, &images, params->data);
+}
+
+sdk_ret_t slhash::impl::remove(const sdk_table_api_params_ *params) {
+    if (!usable(params)) return SDK_RET_INVALID_ARG;
+    const std::unique_lock lock(mutex);
+    const ternary_key images = main.images_of(params->key, nullptr);
+    sdk_ret_t bad = SDK_RET_OK;
+    const auto at = find(images, bad, nullptr);
+    if (!at) return bad;
+    record_bytes data;
+    if ((bad = at->table->read(at->row, data)) != SDK_RET_OK) return bad;
+    const bool in_overflow = at->table == &overflow;
+    if (in_overflow) free_rows.reserve(free_rows.size() + 1);
+    if ((bad = at->table->clear(at->row)) != SDK_RET_OK) return bad;
+    if (in_overflow) {
+        free_rows.push_back(at->row);
+        overflowed.erase(images.ones);
+    }
+    if (params->data != nullptr) std::memcpy(params->data, data.data(), main.data_bytes());
+    return SDK_RET_OK;
+}
+
+sdk_ret_t slhash::impl::get(const sdk_table_api_params_ *params) const {
+    if (!usable(params)) return SDK_RET_INVALID_ARG;
+    const std::shared_lock lock(mutex);
+    sdk_ret_t bad = SDK_RET_OK;
+    const auto at = find(main.images_of(params->key, nullptr), bad, nullptr);
+    if (!at) return bad;
+    record_bytes data;
+    if ((bad = at->table->read(at->row, data)) != SDK_RET_OK) return bad;
+    if (params->data != nullptr) std::memcpy(params->data, data.data(), main.data_bytes());
+    return SDK_RET_OK;
+}
+
+slhash *slhash::factory(sdk_table_factory_params_ *params) {
+    if (params == nullptr ||
+        current().faults().meet(asic_call::allocate, params->table_id, 0) != SDK_RET_OK)
+        return nullptr;
+    p4pd_table_properties_t properties = {};
+    if (p4pd_table_properties_get(params->table_id, &properties) != P4PD_SUCCESS ||
+        properties.overflow_tableid == 0)
+        return nullptr;
+    auto *table = new (std::nothrow) slhash;
+    if (table == nullptr) return nullptr;
+    try {
+        table->impl_ =
+            new slhash::impl(params->table_id, properties.overflow_tableid, params->entry_trace);
+    } catch (const std::bad_alloc &) {
+        delete table;
+        return nullptr;
+    }
+    return table;
+}
+
+void slhash::destroy(slhash *table) {
+    if (table == nullptr) return;
+    delete table->impl_;
+    delete table;
+}
+
+namespace {
+
+// An engine's call, whatever it throws when memory runs out.
+template <class Call>
+sdk_ret_t guarded(Call call) {
+    try {
+        return call();
+    } catch (const std::bad_alloc &) {
+        return SDK_RET_OOM;
+    }
+}
+
+}  // namespace
+
+sdk_ret_t slhash::insert(sdk_table_api_params_ *params) {
+    return impl_->counters.done(impl_->counters.inserts,
+                                guarded([&] { return impl_->insert(params); }));
+}
+sdk_ret_t slhash::update(sdk_table_api_params_ *params) {
+    return impl_->counters.done(impl_->counters.updates,
+                                guarded([&] { return impl_->update(params); }));
+}
+sdk_ret_t slhash::remove(sdk_table_api_params_ *params) {
+    return impl_->counters.done(impl_->counters.removes,
+                                guarded([&] { return impl_->remove(params); }));
+}
+sdk_ret_t slhash::get(sdk_table_api_params_ *params) {
+    return impl_->counters.done(impl_->counters.lookups,
+                                guarded([&] { return impl_->get(params); }));
+}
+
+engine_statistics slhash_access::statistics(const slhash &table) {
+    const slhash::impl &in = *table.impl_;
+    const std::shared_lock lock(in.mutex);
+    engine_statistics out = in.counters.statistics();
+    out.rows = in.main.rows();
+    out.used = in.main.count_used();
+    out.overflow_rows = in.overflow.rows();
+    out.overflow_used = static_cast<uint32_t>(in.overflowed.size());
+    return out;
+}
+
+void slhash_access::for_each(const slhash &table, const entry_visitor &visit) {
+    const std::shared_lock lock(table.impl_->mutex);
+    table.impl_->main.for_each(visit);
+    table.impl_->overflow.for_each(visit);
+}
+
+}  // namespace sdk::table

@@ -1,0 +1,251 @@
+// The ternary engine. The lowest row that matches wins in hardware, so rows are kept in the order
+// of specificity (bits compared), the highest first; free rows may stand anywhere.
+//
+//     row   0  1  2  3  4  5  6  7            an entry of specificity 2 goes between 3 and 2 or
+//           4  4  3  -  2  2  1  -            between 2 and 1: row 3 serves
+//
+// Where no row between the neighbours is free, the nearest free row is walked there: one entry of
+// each class of equal specificity on the way moves from one end of its class to the other. An entry
+// is copied before its old row is emptied, and copied within its class only, so at every instant
+// hardware finds what it found before.
+
+#include "sdk/table/sltcam.h"
+
+#include "host/engines/access.h"
+#include "host/engines/engine.h"
+
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <shared_mutex>
+#include <vector>
+
+namespace sdk::table {
+
+using namespace halden::host;
+
+namespace {
+
+struct tcam_entry {
+    ternary_key images;
+    // The key as it was given, whatever its mask leaves of it. After a restart the memory knows
+    // only what the mask left.
+    record_bytes given;
+    uint32_t specificity;
+};
+
+}  // namespace
+
+struct sltcam::impl {
+    impl(uint32_t id, bool trace) : rows(current(), id), counters(trace), entries(rows.rows()) {
+        for (uint32_t row = 0; row < rows.rows(); ++row) {
+            ternary_key images;
+            if (rows.images_at(row, images) != SDK_RET_OK) continue;
+            // A process that ended in the middle of a move left its entry twice.
+            if (find_images(images) != none) {
+                static_cast<void>(rows.clear(row));
+                continue;
+            }
+            entries[row] =
+                std::make_unique<tcam_entry>(tcam_entry{images, images.ones, images.specificity()});
+        }
+    }
+
+    static constexpr uint32_t none = UINT32_MAX;
+    uint32_t end() const { return static_cast<uint32_t>(entries.size()); }
+
+    uint32_t find_images(const ternary_key &images) const {
+        for (uint32_t row = 0; row < end(); ++row)
+            if (entries[row] != nullptr && entries[row]->images == images) return row;
+        return none;
+    }
+    // With a mask, the entry of that very key and mask; without one, the most specific entry that
+    // was made with the key.
+    uint32_t find(const sdk_table_api_params_ *params) const {
+        const ternary_key images = rows.images_of(params->key, params->mask);
+        if (params->mask != nullptr) return find_images(images);
+        for (uint32_t row = 0; row < end(); ++row)
+            if (entries[row] != nullptr &&
+                (entries[row]->given == images.ones || entries[row]->images.ones == images.ones))
+                return row;
+        return none;
+    }
+
+    bool is_free(uint32_t row) const { return entries[row] == nullptr; }
+    uint32_t specificity(uint32_t row) const { return entries[row]->specificity; }
+
+    sdk_ret_t move(uint32_t from, uint32_t to);
+    sdk_ret_t make_room(uint32_t specificity, uint32_t &row);
+    sdk_ret_t insert(const sdk_table_api_params_ *params);
+    sdk_ret_t update(const sdk_table_api_params_ *params);
+    sdk_ret_t remove(const sdk_table_api_params_ *params);
+    sdk_ret_t get(const sdk_table_api_params_ *params) const;
+
+    table_rows rows;
+    call_counters counters;
+    mutable std::shared_mutex mutex;
+    std::vector<std::unique_ptr<tcam_entry>> entries;  // by row
+};
+
+// Copies an entry to a free row, then empties its old one.
+sdk_ret_t sltcam::impl::move(uint32_t from, uint32_t to) {
+    record_bytes data;
+    if (sdk_ret_t bad = rows.read(from, data)) return bad;
+    if (sdk_ret_t bad = rows.write(to, &entries[from]->images, data.data())) return bad;
+    if (sdk_ret_t bad = rows.clear(from)) {
+        static_cast<void>(rows.clear(to));
+        return bad;
+    }
+    entries[to] = std::move(entries[from]);
+    counters.add(counters.moves);
+    return SDK_RET_OK;
+}
+
+// A free row behind every more specific entry and in front of every less specific one.
+sdk_ret_t sltcam::impl::make_room(uint32_t wanted, uint32_t &row) {
+    uint32_t low = 0, high = end();  // the rows that may be taken are low to high - 1
+    for (uint32_t r = 0; r < end(); ++r) {
+        if (is_free(r)) continue;
+        if (specificity(r) > wanted) low = r + 1;
+        if (specificity(r) < wanted && high == end()) high = r;
+    }
+    for (row = low; row < high; ++row)
+        if (is_free(row)) return SDK_RET_OK;
+
+    uint32_t below = high, above = low;
+    while (below < end() && !is_free(below)) ++below;
+    while (above > 0 && !is_free(above - 1)) --above;
+    const bool has_below = below<end(), has_above = above> 0;
+    if (!has_below && !has_above) return SDK_RET_NO_RESOURCE;
+
+    if (has_below && (!has_above || below - high <= low - above)) {
+        // From the free row up: the first entry of the class in front of it goes behind the last.
+        row = below;
+        while (row > high) {
+            uint32_t first = row - 1;
+            while (first > high && specificity(first - 1) == specificity(row - 1)) --first;
+            if (sdk_ret_t bad = move(first, row)) return bad;
+            row = first;
+        }
+        return SDK_RET_OK;
+    }
+    row = above - 1;
+    while (row + 1 < low) {
+        uint32_t last = row + 1;
+        while (last + 1 < low && specificity(last + 1) == specificity(row + 1)) ++last;
+        if (sdk_ret_t bad = move(last, row)) return bad;
+        row = last;
+    }
+    return SDK_RET_OK;
+}
+
+sdk_ret_t sltcam::impl::insert(const sdk_table_api_params_ *params) {
+    if (params == nullptr || params->key == nullptr || params->data == nullptr ||
+        !rows.knows_action(params->data))
+        return SDK_RET_INVALID_ARG;
+    const std::unique_lock lock(mutex);
+    auto entry = std::make_unique<tcam_entry>();
+    entry->images = rows.images_of(params->key, params->mask);
+    entry->given = rows.images_of(params->key, nullptr).ones;
+    entry->specificity = entry->images.specificity();
+    if (find_images(entry->images) != none) return SDK_RET_ENTRY_EXISTS;
+    uint32_t row = none;
+    if (sdk_ret_t bad = make_room(entry->specificity, row)) return bad;
+    if (sdk_ret_t bad = rows.write(row, &entry->images, params->data)) return bad;
+    entries[row] = std::move(entry);
+    return SDK_RET_OK;
+}
+
+sdk_ret_t sltcam::impl::update(const sdk_table_api_params_ *params) {
+    if (params == nullptr || params->key == nullptr || params->data == nullptr ||
+        !rows.knows_action(params->data))
+        return SDK_RET_INVALID_ARG;
+    const std::unique_lock lock(mutex);
+    const uint32_t row = find(params);
+    if (row == none) return SDK_RET_ENTRY_NOT_FOUND;
+    return rows.write(row, &entries[row]->images, params->data);
+}
+
+sdk_ret_t sltcam::impl::remove(const sdk_table_api_params_ *params) {
+    if (params == nullptr || params->key == nullptr) return SDK_RET_INVALID_ARG;
+    const std::unique_lock lock(mutex);
+    const uint32_t row = find(params);
+    if (row == none) return SDK_RET_ENTRY_NOT_FOUND;
+    record_bytes data;
+    if (sdk_ret_t bad = rows.read(row, data)) return bad;
+    if (sdk_ret_t bad = rows.clear(row)) return bad;
+    entries[row].reset();
+    if (params->data != nullptr) std::memcpy(params->data, data.data(), rows.data_bytes());
+    return SDK_RET_OK;
+}
+
+sdk_ret_t sltcam::impl::get(const sdk_table_api_params_ *params) const {
+    if (params == nullptr || params->key == nullptr) return SDK_RET_INVALID_ARG;
+    const std::shared_lock lock(mutex);
+    const uint32_t row = find(params);
+    if (row == none) return SDK_RET_ENTRY_NOT_FOUND;
+    record_bytes data;
+    if (sdk_ret_t bad = rows.read(row, data)) return bad;
+    if (params->data != nullptr) std::memcpy(params->data, data.data(), rows.data_bytes());
+    return SDK_RET_OK;
+}
+
+sltcam *sltcam::factory(sdk_table_factory_params_ *params) {
+    if (params == nullptr ||
+        current().faults().meet(asic_call::allocate, params->table_id, 0) != SDK_RET_OK)
+        return nullptr;
+    const table_memory *memory = table_memory_of(params->table_id);
+    if (memory == nullptr || !memory->has_tcam()) return nullptr;
+    auto *table = new (std::nothrow) sltcam;
+    if (table == nullptr) return nullptr;
+    try {
+        table->impl_ = new sltcam::impl(params->table_id, params->entry_trace);
+    } catch (const std::bad_alloc &) {
+        delete table;
+        return nullptr;
+    }
+    return table;
+}
+
+void sltcam::destroy(sltcam *table) {
+    if (table == nullptr) return;
+    delete table->impl_;
+    delete table;
+}
+
+sdk_ret_t sltcam::insert(sdk_table_api_params_ *params) {
+    const auto run = [&] {
+        try {
+            return impl_->insert(params);
+        } catch (const std::bad_alloc &) {
+            return SDK_RET_OOM;
+        }
+    };
+    return impl_->counters.done(impl_->counters.inserts, run());
+}
+sdk_ret_t sltcam::update(sdk_table_api_params_ *params) {
+    return impl_->counters.done(impl_->counters.updates, impl_->update(params));
+}
+sdk_ret_t sltcam::remove(sdk_table_api_params_ *params) {
+    return impl_->counters.done(impl_->counters.removes, impl_->remove(params));
+}
+sdk_ret_t sltcam::get(sdk_table_api_params_ *params) {
+    return impl_->counters.done(impl_->counters.lookups, impl_->get(params));
+}
+
+engine_statistics sltcam_access::statistics(const sltcam &table) {
+    const sltcam::impl &in = *table.impl_;
+    const std::shared_lock lock(in.mutex);
+    engine_statistics out = in.counters.statistics();
+    out.rows = in.rows.rows();
+    for (const auto &entry : in.entries) out.used += entry != nullptr;
+    return out;
+}
+
+void sltcam_access::for_each(const sltcam &table, const entry_visitor &visit) {
+    const std::shared_lock lock(table.impl_->mutex);
+    table.impl_->rows.for_each(visit);
+}
+
+}  // namespace sdk::table

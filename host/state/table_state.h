@@ -1,0 +1,38 @@
+#pragma once
+
+// The host's implementation state: the engines of all 35 tables over one adapter, published where
+// the table API looks for them.
+//
+//     auto adapter = halden::host::adapter::open("/var/lib/halden");
+//     halden::host::table_state tables(*adapter);
+//     tev_tbl_lif_mapping_create(&spec);
+//
+// The adapter becomes the process's current one. Entries that stand in its memory are the engines'
+// first ones. Both are undone at the end, when what was published before is so again.
+//
+// No table call may run while a state is made or destroyed. A table whose engine cannot be made
+// ends the process.
+
+#include "host/adapter.h"
+#include "tev_tbl_impl_state.h"
+
+#include <memory>
+
+namespace halden::host {
+
+class table_state {
+  public:
+    explicit table_state(adapter &hardware);
+    ~table_state();
+    table_state(const table_state &) = delete;
+    table_state &operator=(const table_state &) = delete;
+
+    api::impl::tev_tbl_impl_state &tables() { return state_->tables; }
+
+  private:
+    scoped_current current_;
+    std::unique_ptr<api::impl::tev_host_state> state_;
+    api::impl::tev_host_state *before_;
+};
+
+}  // namespace halden::host
