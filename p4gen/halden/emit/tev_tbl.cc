@@ -1,6 +1,7 @@
 // The table API: the caller's records and prototypes, and bodies of one line onto the table's kind.
 
 #include "p4gen/halden/emit/emit.h"
+#include "p4gen/halden/pipeline/words.h"
 
 namespace halden::emit {
 
