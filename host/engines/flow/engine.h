@@ -1,0 +1,124 @@
+#pragma once
+
+// The flow engine, at work in place on the adapter's two flow memories.
+//
+//     32-bit hash   | high bits: row of the main table | ... | low 10 bits: hint hash |
+//
+//     main row --slot, hash a--> overflow row --slot, hash a--> overflow row     flows with hash a
+//        |  \--slot, hash b--> overflow row                                      flows with hash b
+//        \--more--> overflow row                                                 any other hash
+//                     |  \--slot, hash c--> ...
+//                     \--more--> ...
+//
+// A bucket is a main row with everything that hangs on it. A look-up compares the key of each row
+// it comes to, then takes the slot whose hash is its own, else the more slot.
+//
+// Invariants
+//   * a flow stands on the path of its own hash, and that path never changes but at its end: a new
+//     row is linked to the last row of the path only;
+//   * behind a slot stand flows of the slot's hash only, one behind the other;
+//   * a row is complete and valid before it is linked, and unlinked before it is emptied;
+//   * a slot gets its hash before its hint, and loses its hint before its hash: however few words
+//     of a hint have been stored, only keys of that hash can be led astray, and there are none of
+//     them behind the slot while its hint changes;
+//   * the main row of a bucket with flows is in use. Removing a row that others hang on moves the
+//     entry of a leaf into it; while the key changes the row is not valid, and its hints hold.
+//
+// Entries are reached through their virtual operations only, in the scratch entries of the table.
+// Column 0 is the row a walk stands on, the other columns serve the operation.
+
+#include "host/engines/flow/free_rows.h"
+#include "host/engines/flow/rows.h"
+#include "host/engines/flow/scratch.h"
+#include "host/engines/flow/stripe.h"
+#include "sdk/table/ftl_base.h"
+
+namespace halden::host::flow {
+
+using sdk::table::sdk_table_api_params_;
+using sdk::table::sdk_table_factory_params_;
+
+inline constexpr uint32_t hint_hash_bits = 10;
+inline constexpr uint32_t longest_walk = 4096;  // rows; a longer chain is a circle
+
+// Where a walk ended: at the row that holds the key, or at the last row of the path.
+struct walk {
+    place at;
+    place parent;            // the row before; of no meaning at the main row
+    uint32_t slot = 0;       // of the parent; 0 at the main row
+    uint32_t chained = 0;    // rows since the last more slot
+    uint32_t continued = 0;  // more slots on the path
+    bool found = false;
+    bool main_in_use = false;
+    bool broken = false;  // a hint leads nowhere, or in a circle
+};
+
+class engine {
+  public:
+    engine(sdk::table::ftl_base &table, const sdk_table_factory_params_ &params);
+    ~engine();
+    engine(const engine &) = delete;
+    engine &operator=(const engine &) = delete;
+
+    // Maps the memories and notes which rows are in use; changes nothing in them.
+    sdk_ret_t start(adapter &hardware);
+
+    sdk_ret_t insert(const sdk_table_api_params_ &call);
+    sdk_ret_t update(const sdk_table_api_params_ &call);
+    sdk_ret_t remove(const sdk_table_api_params_ &call);
+    sdk_ret_t get(const sdk_table_api_params_ &call);
+
+    // Completes or takes back what the memories hold of operations that never ended, empties
+    // overflow rows that nothing leads to, and counts anew. No other thread may be at work.
+    sdk_ret_t restore();
+
+    rows &memory() { return rows_; }
+
+  private:
+    friend class restorer;
+
+    base_table_entry_t *scratch(const scratch_row &mine, int column) {
+        return table_.get_entry(mine.number(), column);
+    }
+    sdk_ret_t hash_of(const sdk_table_api_params_ &call, uint32_t &hash);
+    uint32_t main_row(uint32_t hash) const {
+        return static_cast<uint32_t>(uint64_t{hash} >> main_shift_);
+    }
+    static uint32_t hint_hash(uint32_t hash) { return hash & ((1u << hint_hash_bits) - 1); }
+    stripe &stripe_of(uint32_t main_row) { return stripes_[main_row & (stripe_count_ - 1)]; }
+
+    walk find(base_table_entry_t *cursor, base_table_entry_t *key, uint32_t hash) const;
+    uint32_t next_slot(base_table_entry_t *entry, uint32_t hash, uint32_t &hint) const;
+    uint32_t free_slot(base_table_entry_t *entry) const;
+    void take_key_and_data(base_table_entry_t *entry, base_table_entry_t *from) const;
+    void note_rows_in_use();
+
+    // The stores. The caller holds the bucket's lock and has begun a change.
+    void link(const place &parent, base_table_entry_t *parent_entry, uint32_t slot, uint32_t row,
+              uint32_t hash);
+    void unlink(const place &parent, base_table_entry_t *parent_entry, uint32_t slot);
+    void empty(const place &row, base_table_entry_t *entry);
+    void replace(const place &row, base_table_entry_t *entry, base_table_entry_t *by);
+    walk leaf_under(const place &from, base_table_entry_t *cursor) const;
+
+    sdk::table::ftl_base &table_;
+    uint32_t table_id_;
+    uint32_t hints_;  // hint slots used, from slot 1
+    uint32_t more_slot_;
+    uint32_t max_chain_;
+    uint32_t main_shift_ = 32;
+    uint32_t stripe_count_ = 0;
+    stripe *stripes_ = nullptr;
+    uint32_t *links_ = nullptr;
+    rows rows_;
+    free_rows free_;
+    uint32_t main_before_ = 0;  // entries in use when the counting began
+    uint32_t overflow_before_ = 0;
+};
+
+}  // namespace halden::host::flow
+
+// What the table's private pointer leads to.
+struct sdk::table::ftl_base::impl : halden::host::flow::engine {
+    using engine::engine;
+};

@@ -1,0 +1,126 @@
+// Putting the memories right after a process died in the middle of operations.
+//
+// What one operation can have left in its bucket:
+//   * a main or overflow row that is not valid and has no hints: half made, or half emptied;
+//   * an overflow row that nothing leads to: not linked yet, or not linked any more;
+//   * a slot with a hash and no hint, or with part of a hint, which leads to a row of another
+//     bucket, to an empty row or back;
+//   * a row that is not valid and has hints: its entry is removed, the leaf that shall take its
+//     place is still a leaf;
+//   * a leaf whose key stands in a row before it: its copy was made, the leaf is to go.
+
+#include "host/engines/flow/engine.h"
+
+#include <vector>
+
+namespace halden::host::flow {
+
+class restorer {
+  public:
+    explicit restorer(engine &of)
+        : of_(of),
+          row_(of.scratch(mine_, 0)),
+          other_(of.scratch(mine_, 1)),
+          used_(of.rows_.overflow_rows()) {}
+
+    sdk_ret_t run() {
+        const rows &memory = of_.rows_;
+        // The thread's scratch entry for hashing, before anything is changed.
+        uint32_t hash = 0;
+        row_->clear();
+        if (const sdk_ret_t result = hash_of_entry(row_, hash); result != SDK_RET_OK) return result;
+        for (uint32_t row = 0; (row = memory.next_used(flow_table, row)) < memory.main_rows();
+             ++row) {
+            bucket_ = row;
+            ancestors_.clear();
+            if (!repair(memory.main(row))) of_.empty(memory.main(row), row_);
+        }
+        for (uint32_t row = 0;
+             (row = memory.next_used(flow_ohash_table, row)) < memory.overflow_rows(); ++row)
+            if (!used_[row]) of_.empty(memory.overflow(row), row_);
+        of_.note_rows_in_use();
+        return SDK_RET_OK;
+    }
+
+  private:
+    sdk_ret_t hash_of_entry(base_table_entry_t *entry, uint32_t &hash) {
+        sdk_table_api_params_ call = {};
+        call.entry = entry;
+        return of_.hash_of(call, hash);
+    }
+
+    // Whether the flows behind a hint are of this bucket, and of the slot's hash. The first valid
+    // row on the way to a leaf tells; a row without a key of its own has one behind it.
+    bool belongs(uint32_t hint, uint32_t slot, uint32_t slot_hash) {
+        for (uint32_t steps = 0; steps < longest_walk; ++steps) {
+            if (hint >= of_.rows_.overflow_rows()) return false;
+            rows::load(of_.rows_.overflow(hint), other_);
+            if (other_->get_entry_valid() != 0) {
+                uint32_t hash = 0;
+                return hash_of_entry(other_, hash) == SDK_RET_OK && of_.main_row(hash) == bucket_ &&
+                       (slot == of_.more_slot_ || engine::hint_hash(hash) == slot_hash);
+            }
+            const uint32_t last = other_->find_last_hint();
+            if (last == 0) return false;
+            other_->get_hint(last, hint);
+        }
+        return false;
+    }
+
+    bool stands_in_an_ancestor(base_table_entry_t *entry) {
+        for (const place &ancestor : ancestors_) {
+            rows::load(ancestor, other_);
+            if (other_->get_entry_valid() != 0 && other_->compare_key(entry)) return true;
+        }
+        return false;
+    }
+
+    void repair_slot(const place &at, uint32_t slot) {
+        uint32_t hint = 0, hash = 0;
+        rows::load(at, row_);
+        row_->get_hint_hash(slot, hint, hash);
+        if (hint == 0) {
+            if (hash != 0 && slot != of_.more_slot_) of_.unlink(at, row_, slot);
+            return;
+        }
+        // A row that was come to before stays with the row that led there first.
+        if (belongs(hint, slot, hash) && !used_[hint] && ancestors_.size() < longest_walk) {
+            used_[hint] = true;
+            ancestors_.push_back(at);
+            const bool holds = repair(of_.rows_.overflow(hint));
+            ancestors_.pop_back();
+            if (holds) return;
+            used_[hint] = false;
+        }
+        of_.unlink(at, row_, slot);
+    }
+
+    // Puts a row right, and all that hang on it; false when it holds no flow.
+    bool repair(const place &at) {
+        for (uint32_t slot = 1; slot <= of_.more_slot_; ++slot) repair_slot(at, slot);
+        rows::load(at, row_);
+        if (row_->get_entry_valid() != 0) {
+            if (!stands_in_an_ancestor(row_)) return true;
+            row_->set_entry_valid(0);
+            of_.rows_.store_changed(at, row_);
+        }
+        const walk leaf = of_.leaf_under(at, other_);
+        if (leaf.slot == 0 || leaf.broken) return false;
+        of_.replace(at, row_, other_);
+        of_.unlink(leaf.parent, row_, leaf.slot);
+        used_[leaf.at.row] = false;
+        return true;
+    }
+
+    engine &of_;
+    scratch_row mine_;
+    base_table_entry_t *row_;
+    base_table_entry_t *other_;
+    std::vector<bool> used_;
+    std::vector<place> ancestors_;
+    uint32_t bucket_ = 0;
+};
+
+sdk_ret_t engine::restore() { return restorer(*this).run(); }
+
+}  // namespace halden::host::flow

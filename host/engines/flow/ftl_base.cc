@@ -1,0 +1,93 @@
+// sdk::table::ftl_base over the flow engine.
+
+#include "sdk/table/ftl_base.h"
+
+#include "host/engines/flow/engine.h"
+
+#include <sys/mman.h>
+
+#include <cstdlib>
+#include <new>
+
+namespace sdk::table {
+
+namespace {
+
+bool usable(const sdk_table_api_params_ *params) {
+    return params != nullptr && params->entry != nullptr;
+}
+
+}  // namespace
+
+void *ftl_base::ftl_calloc(uint32_t module, unsigned long size, bool huge) {
+    using halden::host::asic_call;
+    if (halden::host::current().faults().meet(asic_call::allocate, module, 0) != SDK_RET_OK)
+        return nullptr;
+    if (!huge) return std::calloc(1, size);
+    void *memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) return nullptr;
+    madvise(memory, size, MADV_HUGEPAGE);
+    return memory;
+}
+
+void ftl_base::ftl_free(uint32_t, void *memory, bool huge, unsigned long size) {
+    if (memory == nullptr) return;
+    if (huge) {
+        munmap(memory, size);
+    } else {
+        std::free(memory);
+    }
+}
+
+sdk_ret_t ftl_base::restore_state() {
+    return impl_ != nullptr ? impl_->restore() : SDK_RET_INVALID_ARG;
+}
+
+sdk_ret_t ftl_base::init_(sdk_table_factory_params_ *params) {
+    using namespace halden::host;
+    if (params == nullptr || impl_ != nullptr || params->table_id != flow_table)
+        return SDK_RET_INVALID_ARG;
+    base_table_entry_t *entry = get_entry(0, 0);
+    if (entry->entry_size() != flow_row_bytes || params->num_hints == 0 ||
+        params->num_hints >= entry->get_more_hint_slot() || params->max_chain == 0)
+        return SDK_RET_INVALID_ARG;
+    void *memory = ftl_calloc(params->table_id, sizeof(impl), false);
+    if (memory == nullptr) return SDK_RET_OOM;
+    impl *made = ::new (memory) impl(*this, *params);
+    const sdk_ret_t result = made->start(current());
+    if (result != SDK_RET_OK) {
+        made->~impl();
+        ftl_free(params->table_id, made, false, sizeof(impl));
+        return result;
+    }
+    impl_ = made;
+    return SDK_RET_OK;
+}
+
+// The table was made in calloc's memory; the flows stay where they are, in the adapter's.
+void ftl_base::destroy(ftl_base *table) {
+    if (table == nullptr) return;
+    if (table->impl_ != nullptr) {
+        table->impl_->~impl();
+        table->ftl_free(halden::host::flow_table, table->impl_, false, sizeof(impl));
+    }
+    std::free(table);
+}
+
+sdk_ret_t ftl_base::insert(sdk_table_api_params_ *params) {
+    return usable(params) && impl_ != nullptr ? impl_->insert(*params) : SDK_RET_INVALID_ARG;
+}
+
+sdk_ret_t ftl_base::update(sdk_table_api_params_ *params) {
+    return usable(params) && impl_ != nullptr ? impl_->update(*params) : SDK_RET_INVALID_ARG;
+}
+
+sdk_ret_t ftl_base::remove(sdk_table_api_params_ *params) {
+    return usable(params) && impl_ != nullptr ? impl_->remove(*params) : SDK_RET_INVALID_ARG;
+}
+
+sdk_ret_t ftl_base::get(sdk_table_api_params_ *params) {
+    return usable(params) && impl_ != nullptr ? impl_->get(*params) : SDK_RET_INVALID_ARG;
+}
+
+}  // namespace sdk::table

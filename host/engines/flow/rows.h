@@ -1,0 +1,109 @@
+#pragma once
+
+// The two flow memories as the engine touches them: whole rows in, changed words out.
+//
+// A row is the body of an entry with its bytes reversed, so word i of a row is word 15 - i of the
+// body with its bytes swapped. Every access is a 64-bit atomic; a store is a release, so whoever
+// sees a new word also sees everything the engine stored before it.
+
+#include "host/adapter.h"
+#include "sdk/base_table_entry.h"
+
+#include <atomic>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+
+namespace halden::host::flow {
+
+// One row of one of the two memories.
+struct place {
+    uint32_t table = 0;
+    uint32_t row = 0;
+    uint8_t *at = nullptr;
+
+    bool is_main() const { return table == flow_table; }
+};
+
+// Called behind every word that the engine stores in a row, from the storing thread, in the middle
+// of the operation: it may look at the memories, and must not call the engine.
+using write_hook = std::function<void(uint32_t table, uint32_t row)>;
+
+inline constexpr uint32_t words_per_row = flow_row_bytes / sizeof(uint64_t);
+static_assert(std::endian::native == std::endian::little);
+
+// The body stands behind the base class's valid word.
+inline uint8_t *body_of(base_table_entry_t *entry) {
+    return reinterpret_cast<uint8_t *>(entry) + sizeof(base_table_entry_t);
+}
+
+class rows {
+  public:
+    // False when a memory cannot be mapped.
+    bool map(adapter &hardware) {
+        hardware_ = &hardware;
+        main_ = hardware.hbm_rows(flow_table);
+        overflow_ = hardware.hbm_rows(flow_ohash_table);
+        main_rows_ = hardware.depth(flow_table);
+        overflow_rows_ = hardware.depth(flow_ohash_table);
+        return main_ != nullptr && overflow_ != nullptr;
+    }
+
+    uint32_t main_rows() const { return main_rows_; }
+    uint32_t overflow_rows() const { return overflow_rows_; }
+    place main(uint32_t row) const { return {flow_table, row, main_ + offset(row)}; }
+    place overflow(uint32_t row) const { return {flow_ohash_table, row, overflow_ + offset(row)}; }
+    uint32_t next_used(uint32_t table, uint32_t from) const {
+        return hardware_->next_used(table, from);
+    }
+
+    // Fills the entry's body; its `valid` is left alone.
+    static void load(const place &from, base_table_entry_t *entry) {
+        uint8_t *body = body_of(entry);
+        for (uint32_t i = 0; i < words_per_row; ++i) {
+            const uint64_t word =
+                __builtin_bswap64(word_at(from, i).load(std::memory_order_acquire));
+            std::memcpy(body + (words_per_row - 1 - i) * sizeof word, &word, sizeof word);
+        }
+    }
+
+    // Stores the words in which the row differs from the entry.
+    void store_changed(const place &to, base_table_entry_t *entry) const {
+        const uint8_t *body = body_of(entry);
+        for (uint32_t i = 0; i < words_per_row; ++i) {
+            uint64_t word;
+            std::memcpy(&word, body + (words_per_row - 1 - i) * sizeof word, sizeof word);
+            word = __builtin_bswap64(word);
+            const auto target = word_at(to, i);
+            // Only the holder of the bucket's lock writes, so the row does not change in between.
+            if (target.load(std::memory_order_relaxed) == word) continue;
+            target.store(word, std::memory_order_release);
+            if (hook_) [[unlikely]]
+                hook_(to.table, to.row);
+        }
+    }
+
+    static void prefetch(const place &what) {
+        __builtin_prefetch(what.at);
+        __builtin_prefetch(what.at + flow_row_bytes / 2);
+    }
+
+    // No operation may be under way.
+    void set_hook(write_hook hook) { hook_ = std::move(hook); }
+
+  private:
+    static size_t offset(uint32_t row) { return size_t{row} * flow_row_bytes; }
+    static std::atomic_ref<uint64_t> word_at(const place &where, uint32_t index) {
+        return std::atomic_ref<uint64_t>(*reinterpret_cast<uint64_t *>(where.at + index * 8));
+    }
+
+    adapter *hardware_ = nullptr;
+    uint8_t *main_ = nullptr;
+    uint8_t *overflow_ = nullptr;
+    uint32_t main_rows_ = 0;
+    uint32_t overflow_rows_ = 0;
+    write_hook hook_;
+};
+
+}  // namespace halden::host::flow
