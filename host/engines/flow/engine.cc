@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <bit>
 #include <new>
-#include <vector>
 
 namespace halden::host::flow {
 
@@ -13,9 +12,6 @@ namespace {
 
 // Enough that writers rarely meet, few enough to stay in the cache.
 constexpr uint32_t most_stripes = 4096;
-
-// After so many changes under its eyes a reader takes the lock: it must come to an end.
-constexpr unsigned reader_tries = 256;
 
 }  // namespace
 
@@ -140,20 +136,8 @@ sdk_ret_t engine::get(const sdk_table_api_params_ &call) {
     rows::prefetch(rows_.main(main_row(hash)));
     const scratch_row mine;
     base_table_entry_t *cursor = scratch(mine, 0);
-    stripe &shared = stripe_of(main_row(hash));
-
     walk way;
-    bool certain = false;
-    for (unsigned tries = 0; tries < reader_tries && !certain; ++tries) {
-        const uint32_t seen = shared.version();
-        way = find(cursor, entry, hash);
-        certain = shared.unchanged(seen);
-    }
-    if (!certain) {
-        shared.lock();
-        way = find(cursor, entry, hash);
-        shared.unlock();
-    }
+    read_unchanged(stripe_of(main_row(hash)), [&] { way = find(cursor, entry, hash); });
     if (!way.found) return SDK_RET_ENTRY_NOT_FOUND;
     std::memcpy(body_of(entry), body_of(cursor), flow_row_bytes);
     entry->set_entry_valid(1);

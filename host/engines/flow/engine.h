@@ -33,12 +33,16 @@
 #include "host/engines/flow/stripe.h"
 #include "sdk/table/ftl_base.h"
 
+#include <mutex>
+#include <vector>
+
 namespace halden::host::flow {
 
 using sdk::table::sdk_table_api_params_;
 using sdk::table::sdk_table_factory_params_;
 
 inline constexpr uint32_t hint_hash_bits = 10;
+inline constexpr unsigned reader_tries = 256;
 inline constexpr uint32_t longest_walk = 4096;  // rows; a longer chain is a circle
 
 // Where a walk ended: at the row that holds the key, or at the last row of the path.
@@ -51,6 +55,13 @@ struct walk {
     bool found = false;
     bool main_in_use = false;
     bool broken = false;  // a hint leads nowhere, or in a circle
+};
+
+// A flow of a bucket, read as a whole with the others.
+struct bucket_row {
+    place at;
+    uint32_t path;  // rows in front of it
+    flow_image image;
 };
 
 class engine {
@@ -73,6 +84,10 @@ class engine {
     sdk_ret_t restore();
 
     rows &memory() { return rows_; }
+    uint64_t count() const;
+    // The flows of the first bucket at or behind main row `row` that has any; `row` becomes its
+    // row. False when there is none.
+    bool next_bucket(uint32_t &row, std::vector<bucket_row> &out);
 
   private:
     friend class restorer;
@@ -90,8 +105,23 @@ class engine {
     walk find(base_table_entry_t *cursor, base_table_entry_t *key, uint32_t hash) const;
     uint32_t next_slot(base_table_entry_t *entry, uint32_t hash, uint32_t &hint) const;
     uint32_t free_slot(base_table_entry_t *entry) const;
+    void collect(const place &at, uint32_t path, base_table_entry_t *cursor,
+                 std::vector<bucket_row> &out) const;
     void take_key_and_data(base_table_entry_t *entry, base_table_entry_t *from) const;
     void note_rows_in_use();
+
+    // Runs `read` until no writer came between. After many changes under its eyes it takes the
+    // lock: a reader must come to an end.
+    template <typename F>
+    static void read_unchanged(stripe &shared, F read) {
+        for (unsigned tries = 0; tries < reader_tries; ++tries) {
+            const uint32_t seen = shared.version();
+            read();
+            if (shared.unchanged(seen)) return;
+        }
+        const std::lock_guard guard(shared);
+        read();
+    }
 
     // The stores. The caller holds the bucket's lock and has begun a change.
     void link(const place &parent, base_table_entry_t *parent_entry, uint32_t slot, uint32_t row,

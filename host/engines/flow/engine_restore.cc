@@ -11,8 +11,6 @@
 
 #include "host/engines/flow/engine.h"
 
-#include <vector>
-
 namespace halden::host::flow {
 
 class restorer {

@@ -2,8 +2,6 @@
 
 #include "host/engines/flow/engine.h"
 
-#include <mutex>
-
 namespace halden::host::flow {
 
 // The hints of the entry stay. A caller's more flag is kept although its hint is not: without a

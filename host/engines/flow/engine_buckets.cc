@@ -1,0 +1,50 @@
+// Reading whole buckets, for tools.
+
+#include "host/engines/flow/engine.h"
+
+#include <algorithm>
+
+namespace halden::host::flow {
+
+uint64_t engine::count() const {
+    int64_t sum = int64_t{main_before_} + overflow_before_;
+    for (uint32_t i = 0; i < stripe_count_; ++i)
+        sum += stripes_[i].in_main() + stripes_[i].in_overflow();
+    return static_cast<uint64_t>(sum);
+}
+
+void engine::collect(const place &at, uint32_t path, base_table_entry_t *cursor,
+                     std::vector<bucket_row> &out) const {
+    rows::load(at, cursor);
+    if (cursor->get_entry_valid() != 0) {
+        bucket_row &row = out.emplace_back();
+        row.at = at;
+        row.path = path;
+        std::reverse_copy(body_of(cursor), body_of(cursor) + flow_row_bytes, row.image.begin());
+    }
+    const uint32_t last = cursor->find_last_hint();
+    if (last == 0 || path == longest_walk || out.size() > rows_.overflow_rows()) return;
+    std::vector<uint32_t> hints;
+    for (uint32_t slot = 1; slot <= last; ++slot) {
+        uint32_t hint = 0;
+        cursor->get_hint(slot, hint);
+        if (hint != 0 && hint < rows_.overflow_rows()) hints.push_back(hint);
+    }
+    for (const uint32_t hint : hints) collect(rows_.overflow(hint), path + 1, cursor, out);
+}
+
+bool engine::next_bucket(uint32_t &row, std::vector<bucket_row> &out) {
+    for (;; ++row) {
+        row = rows_.next_used(flow_table, row);
+        if (row >= rows_.main_rows()) return false;
+        const scratch_row mine;
+        base_table_entry_t *cursor = scratch(mine, 0);
+        read_unchanged(stripe_of(row), [&] {
+            out.clear();
+            collect(rows_.main(row), 0, cursor, out);
+        });
+        if (!out.empty()) return true;
+    }
+}
+
+}  // namespace halden::host::flow

@@ -1,0 +1,53 @@
+#include "host/engines/flow/ftl_access.h"
+
+#include "host/engines/flow/engine.h"
+
+#include <algorithm>
+
+namespace halden::host::flow {
+
+void stored_flow::copy_to(base_table_entry_t &entry) const {
+    std::reverse_copy(image.begin(), image.end(), body_of(&entry));
+    entry.set_entry_valid(1);
+}
+
+}  // namespace halden::host::flow
+
+namespace sdk::table {
+
+using halden::host::flow::bucket_row;
+
+uint64_t ftl_access::count(const ftl_base &table) {
+    return table.impl_ != nullptr ? table.impl_->count() : 0;
+}
+
+void ftl_access::for_each(ftl_base &table, const std::function<bool(const stored_flow &)> &see) {
+    if (table.impl_ == nullptr) return;
+    std::vector<bucket_row> bucket;
+    uint32_t row = 0;
+    while (table.impl_->next_bucket(row, bucket)) {
+        for (const bucket_row &one : bucket)
+            if (!see({one.at.table, one.at.row, one.path, one.image})) return;
+        ++row;
+    }
+}
+
+ftl_access::flow_statistics ftl_access::statistics(ftl_base &table) {
+    flow_statistics out;
+    if (table.impl_ == nullptr) return out;
+    out.main_depth = table.impl_->memory().main_rows();
+    out.overflow_depth = table.impl_->memory().overflow_rows();
+    for_each(table, [&](const stored_flow &flow) {
+        ++(flow.table == halden::host::flow_table ? out.main_used : out.overflow_used);
+        ++out.path_lengths[std::min<size_t>(flow.path, out.path_lengths.size() - 1)];
+        out.longest_path = std::max(out.longest_path, flow.path);
+        return true;
+    });
+    return out;
+}
+
+void ftl_access::set_write_hook(ftl_base &table, write_hook hook) {
+    if (table.impl_ != nullptr) table.impl_->memory().set_hook(std::move(hook));
+}
+
+}  // namespace sdk::table

@@ -1,0 +1,188 @@
+#include "tests/engines/flow_bed.h"
+
+#include "host/view/lookup.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace halden::test {
+
+namespace {
+
+namespace lay = flow_layout;
+
+uint64_t mixed(uint64_t number) {
+    number += 0x9e3779b97f4a7c15u;
+    number = (number ^ number >> 30) * 0xbf58476d1ce4e5b9u;
+    number = (number ^ number >> 27) * 0x94d049bb133111ebu;
+    return number ^ number >> 31;
+}
+
+template <lay::range R>
+void fill(uint8_t *body, uint64_t &state) {
+    uint8_t bytes[R.width / 8];
+    for (uint8_t &byte : bytes) byte = static_cast<uint8_t>((state = mixed(state)) >> 32);
+    lay::set_bytes<R>(body, bytes);
+}
+
+std::unique_ptr<host::adapter> open(const host::adapter_options &options,
+                                    const std::string &directory) {
+    return directory.empty() ? host::adapter::anonymous(options)
+                             : host::adapter::open(directory, options);
+}
+
+}  // namespace
+
+flow_hash_entry_t entry_of(uint64_t number, uint32_t flow_idx) {
+    flow_hash_entry_t entry;
+    uint8_t *body = entry.body();
+    uint64_t state = mixed(number);
+    lay::set_bits<lay::metadata_flow_key_sport>(body, number);
+    lay::set_bits<lay::metadata_flow_key_dport>(body, number >> 16);
+    lay::set_bits<lay::metadata_flow_key_vlan>(body, number >> 32);
+    lay::set_bits<lay::metadata_flow_key_proto>(body, state >> 3);
+    lay::set_bits<lay::metadata_flow_key_ktype>(body, state >> 13);
+    lay::set_bits<lay::metadata_flow_key_port_id>(body, state >> 23);
+    lay::set_bits<lay::metadata_flow_key_rsvd>(body, state >> 33);
+    lay::set_bits<lay::metadata_flow_key_outer_flow_id>(body, state >> 43);
+    lay::set_bits<lay::metadata_flow_key_vni>(body, state);
+    lay::set_bits<lay::metadata_flow_key_smac>(body, mixed(state));
+    lay::set_bits<lay::metadata_flow_key_dmac>(body, mixed(state + 1));
+    fill<lay::metadata_flow_key_sip>(body, state);
+    fill<lay::metadata_flow_key_dip>(body, state);
+    fill<lay::metadata_flow_key_spare>(body, state);
+    lay::set_bits<lay::flow_idx>(body, flow_idx);
+    return entry;
+}
+
+std::vector<uint8_t> packet_of(uint64_t number) {
+    const flow_hash_entry_t entry = entry_of(number);
+    std::vector<uint8_t> image(128);
+    std::reverse_copy(entry.body(), entry.body() + 128, image.begin());
+    return image;
+}
+
+uint32_t hash_of(uint64_t number) {
+    flow_hash hasher;
+    flow_hash_entry_t entry = entry_of(number);
+    sdk_table_api_params_t call = {};
+    call.entry = &entry;
+    EXPECT_EQ(hasher.genhash_(&call), SDK_RET_OK);
+    return call.hash_value;
+}
+
+std::vector<uint64_t> numbers_with_hash(uint32_t mask, uint32_t value, size_t count) {
+    std::vector<uint64_t> out;
+    for (uint64_t number = 0; out.size() < count; ++number)
+        if ((hash_of(number) & mask) == value) out.push_back(number);
+    return out;
+}
+
+std::vector<uint64_t> numbers_up_to(uint64_t end) {
+    std::vector<uint64_t> out;
+    for (uint64_t number = 0; number < end; ++number) out.push_back(number);
+    return out;
+}
+
+flow_bed::flow_bed(const host::adapter_options &options, const std::string &directory)
+    : adapter_(open(options, directory)), current_(*adapter_) {
+    sdk::table::sdk_table_factory_params_t params = {};
+    table_ = flow_hash::factory(&params);
+}
+
+flow_bed::~flow_bed() { flow_hash::destroy(table_); }
+
+sdk_ret_t flow_bed::insert(uint64_t number, uint32_t flow_idx) {
+    flow_hash_entry_t entry = entry_of(number, flow_idx);
+    sdk_table_api_params_t call = {};
+    call.entry = &entry;
+    const sdk_ret_t result = table_->insert(&call);
+    if (result == SDK_RET_OK) flows[number] = flow_idx;
+    return result;
+}
+
+sdk_ret_t flow_bed::update(uint64_t number, uint32_t flow_idx) {
+    flow_hash_entry_t entry = entry_of(number, flow_idx);
+    sdk_table_api_params_t call = {};
+    call.entry = &entry;
+    const sdk_ret_t result = table_->update(&call);
+    if (result == SDK_RET_OK) flows[number] = flow_idx;
+    return result;
+}
+
+sdk_ret_t flow_bed::remove(uint64_t number) {
+    flow_hash_entry_t entry = entry_of(number);
+    sdk_table_api_params_t call = {};
+    call.entry = &entry;
+    const sdk_ret_t result = table_->remove(&call);
+    if (result == SDK_RET_OK) flows.erase(number);
+    return result;
+}
+
+sdk_ret_t flow_bed::get(uint64_t number, uint32_t *flow_idx) {
+    flow_hash_entry_t entry = entry_of(number);
+    sdk_table_api_params_t call = {};
+    call.entry = &entry;
+    const sdk_ret_t result = table_->get(&call);
+    if (result == SDK_RET_OK) {
+        flow_hash_entry_t same = entry_of(number);
+        EXPECT_TRUE(entry.compare_key(&same));
+        EXPECT_EQ(entry.get_entry_valid(), 1);
+        EXPECT_EQ(entry.valid, 1u);
+    }
+    if (flow_idx != nullptr)
+        *flow_idx = static_cast<uint32_t>(lay::get_bits<lay::flow_idx>(entry.body()));
+    return result;
+}
+
+int64_t flow_bed::seen_by_hardware(uint64_t number) {
+    const host::view::answer found = host::view::lookup(*adapter_, flow, packet_of(number).data());
+    if (!found.hit) return -1;
+    // flow_idx is bits 490 to 511 of the body, so the top 22 bits of the row's 64-bit word at
+    // byte 64.
+    return found.image[64] << 14 | found.image[65] << 6 | found.image[66] >> 2;
+}
+
+std::vector<uint8_t> flow_bed::memories() {
+    std::vector<uint8_t> out(size_t{128} * (adapter_->depth(flow) + adapter_->depth(flow_ohash)));
+    const size_t main_bytes = size_t{128} * adapter_->depth(flow);
+    std::memcpy(out.data(), adapter_->hbm_rows(flow), main_bytes);
+    std::memcpy(out.data() + main_bytes, adapter_->hbm_rows(flow_ohash), out.size() - main_bytes);
+    return out;
+}
+
+void flow_bed::put_memories(const std::vector<uint8_t> &bytes) {
+    const size_t main_bytes = size_t{128} * adapter_->depth(flow);
+    std::memcpy(adapter_->hbm_rows(flow), bytes.data(), main_bytes);
+    std::memcpy(adapter_->hbm_rows(flow_ohash), bytes.data() + main_bytes,
+                bytes.size() - main_bytes);
+}
+
+uint32_t flow_bed::rows_in_use(uint32_t table) {
+    uint32_t used = 0;
+    for (uint32_t row = 0; (row = adapter_->next_used(table, row)) < adapter_->depth(table); ++row)
+        ++used;
+    return used;
+}
+
+uint32_t flow_bed::main_rows_in_use() { return rows_in_use(flow); }
+uint32_t flow_bed::overflow_rows_in_use() { return rows_in_use(flow_ohash); }
+
+void flow_bed::expect_exactly_the_flows(const std::vector<uint64_t> &numbers) {
+    for (const auto &[number, flow_idx] : flows) {
+        uint32_t found = 0;
+        ASSERT_EQ(get(number, &found), SDK_RET_OK) << "key " << number;
+        ASSERT_EQ(found, flow_idx) << "key " << number;
+        ASSERT_EQ(seen_by_hardware(number), flow_idx) << "key " << number;
+    }
+    for (const uint64_t number : numbers) {
+        if (flows.count(number) != 0) continue;
+        ASSERT_EQ(get(number), SDK_RET_ENTRY_NOT_FOUND) << "key " << number;
+        ASSERT_EQ(seen_by_hardware(number), -1) << "key " << number;
+    }
+    ASSERT_EQ(main_rows_in_use() + overflow_rows_in_use(), flows.size());
+}
+
+}  // namespace halden::test

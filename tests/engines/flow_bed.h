@@ -1,0 +1,71 @@
+#pragma once
+
+// A flow table on small memories of its own, with keys by number and a map that says what must be
+// in it.
+
+#include "ftl/flow_hash.h"
+#include "host/adapter.h"
+#include "host/engines/flow/ftl_access.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace halden::test {
+
+using sdk::table::flow_hash;
+using sdk::table::ftl_access;
+using sdk::table::sdk_table_api_params_t;
+
+inline constexpr uint32_t flow_ohash = 1, flow = 2;
+
+// A key is spread from its number over all fourteen fields.
+flow_hash_entry_t entry_of(uint64_t number, uint32_t flow_idx = 0);
+// The packet's key as the hardware sees it: the body's bytes reversed.
+std::vector<uint8_t> packet_of(uint64_t number);
+// The library's hash of the key.
+uint32_t hash_of(uint64_t number);
+// The first `count` numbers from 0 on whose hash, under `mask`, is `value`.
+std::vector<uint64_t> numbers_with_hash(uint32_t mask, uint32_t value, size_t count);
+std::vector<uint64_t> numbers_up_to(uint64_t end);
+
+class flow_bed {
+  public:
+    explicit flow_bed(const host::adapter_options &options, const std::string &directory = {});
+    ~flow_bed();
+    flow_bed(const flow_bed &) = delete;
+    flow_bed &operator=(const flow_bed &) = delete;
+
+    host::adapter &hardware() { return *adapter_; }
+    flow_hash &table() { return *table_; }
+
+    // Engine calls by key number; the first three keep `flows` in step when they succeed.
+    sdk_ret_t insert(uint64_t number, uint32_t flow_idx);
+    sdk_ret_t update(uint64_t number, uint32_t flow_idx);
+    sdk_ret_t remove(uint64_t number);
+    sdk_ret_t get(uint64_t number, uint32_t *flow_idx = nullptr);
+
+    // The flow_idx that the hardware's view finds for the key; -1 for a miss.
+    int64_t seen_by_hardware(uint64_t number);
+    // Both memories, byte by byte.
+    std::vector<uint8_t> memories();
+    void put_memories(const std::vector<uint8_t> &bytes);
+    uint32_t overflow_rows_in_use();
+    uint32_t main_rows_in_use();
+
+    // Every flow is found by engine and hardware with its data, every other of `numbers` by none.
+    void expect_exactly_the_flows(const std::vector<uint64_t> &numbers);
+
+    std::unordered_map<uint64_t, uint32_t> flows;
+
+  private:
+    uint32_t rows_in_use(uint32_t table);
+
+    std::unique_ptr<host::adapter> adapter_;
+    host::scoped_current current_;
+    flow_hash *table_;
+};
+
+}  // namespace halden::test
