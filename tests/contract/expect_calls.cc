@@ -14,6 +14,11 @@ std::string text_of(const expected_call &c) {
             out += std::to_string(*value);
             continue;
         }
+        if (const holding *content = std::get_if<holding>(&a.is)) {
+            out += "->";
+            for (uint8_t byte : content->bytes) out += ' ' + std::to_string(byte);
+            continue;
+        }
         const place &p = std::get<place>(a.is);
         out += p.name.empty() ? "null" : p.name;
         if (p.offset != 0) out += '+' + std::to_string(p.offset);
@@ -41,6 +46,8 @@ class ties {
         return true;
     }
 
+    void let_go(const std::string &name) { bases_.erase(name); }
+
   private:
     std::map<std::string, const uint8_t *> bases_;
 };
@@ -54,6 +61,10 @@ bool agree(const expected_call &want, const call &got, ties &known) {
             continue;
         }
         if (!given.is_pointer) return false;
+        if (const holding *content = std::get_if<holding>(&want.arguments[i].is)) {
+            if (given.bytes != content->bytes) return false;
+            continue;
+        }
         const std::string name = recording_host::get().text_of({std::string(), {given}}).substr(1);
         if (!known.agree(std::get<place>(want.arguments[i].is), given.pointer, name)) return false;
     }
@@ -66,13 +77,21 @@ testing::AssertionResult calls_are(const expected &want) {
     const recording_host &host = recording_host::get();
     const std::vector<call> got = host.calls();
     ties known;
-    for (size_t i = 0; i < want.size() || i < got.size(); ++i) {
-        if (i < want.size() && i < got.size() && agree(want[i], got[i], known)) continue;
+    size_t made = 0;
+    const auto failure = [&](const std::string &expected_text) {
         return testing::AssertionFailure()
-               << "call " << i + 1 << " of " << want.size() << " expected, " << got.size()
-               << " made\n  expected: " << (i < want.size() ? text_of(want[i]) : "no call")
-               << "\n  made:     " << (i < got.size() ? host.text_of(got[i]) : "no call");
+               << "call " << made + 1 << " of " << got.size() << "\n  expected: " << expected_text
+               << "\n  made:     " << (made < got.size() ? host.text_of(got[made]) : "no call");
+    };
+    for (const expected_call &c : want) {
+        if (c.name.empty()) {
+            known.let_go(std::get<place>(c.arguments[0].is).name);
+            continue;
+        }
+        if (made == got.size() || !agree(c, got[made], known)) return failure(text_of(c));
+        ++made;
     }
+    if (made != got.size()) return failure("no call");
     return testing::AssertionSuccess();
 }
 

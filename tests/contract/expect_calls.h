@@ -10,7 +10,9 @@
 //
 // A place stands for an address. A buffer the test gave to the recording host keeps its name; any
 // other name is tied to the first address it is compared with, and from then on means that address
-// and no other, so two names never share a buffer.
+// and no other, so two names never share a buffer. let_go("entry") unties a name: from there on the
+// buffer may serve as another. holding({0x12}) stands for any address with these bytes behind it,
+// as far as the recording host keeps bytes for that argument.
 
 #include <concepts>
 #include <cstdint>
@@ -30,11 +32,16 @@ struct place {
     bool any = false;  // whatever address, null too
 };
 
+struct holding {
+    std::vector<uint8_t> bytes;
+};
+
 struct expected_argument {
     template <std::integral number>
     expected_argument(number value) : is(static_cast<uint64_t>(value)) {}
     expected_argument(place where) : is(std::move(where)) {}
-    std::variant<uint64_t, place> is;
+    expected_argument(holding content) : is(std::move(content)) {}
+    std::variant<uint64_t, place, holding> is;
 };
 
 struct expected_call {
@@ -46,7 +53,10 @@ struct expected_call {
 
 using expected = std::vector<expected_call>;
 
-inline place at(std::string name, uint64_t offset = 0) { return {std::move(name), offset, false}; }
+// Not a call: the name's buffer is done with.
+inline expected_call let_go(std::string name) { return {"", {place{std::move(name)}}}; }
+
+inline place at(const std::string &name, uint64_t offset = 0) { return {name, offset, false}; }
 inline const place null{};
 inline const place anything{"anything", 0, true};
 
