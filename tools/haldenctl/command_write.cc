@@ -104,8 +104,11 @@ void print_entry(host::adapter &adapter, size_t number, const placed &p) {
               << (p.by_hash ? ", from the key's hash" : "")
               << (p.replaces ? painted(", replaced", colour::bad) : "") << "\n";
     const auto stored = stored_at(adapter, t, p.row);
-    if (!stored) return;
     constexpr unsigned in = 11;
+    if (!stored) {
+        std::cout << std::string(in, ' ') << painted("row  no bits", colour::dim) << "\n";
+        return;
+    }
     const auto image = [&](const char *what, const std::vector<uint8_t> &bytes, unsigned bits,
                            colour c) {
         if (bytes.empty()) return;

@@ -16,5 +16,9 @@ void add_tables(CLI::App &app, const options &given);
 void add_describe(CLI::App &app, const options &given);
 void add_write(CLI::App &app, const options &given);
 void add_lookup(CLI::App &app, const options &given);
+void add_read(CLI::App &app, const options &given);
+void add_dump(CLI::App &app, const options &given);
+void add_decode(CLI::App &app, const options &given);
+void add_explain(CLI::App &app, const options &given);
 
 }  // namespace halden::tool

@@ -91,6 +91,20 @@ std::string border(const std::vector<cell> &above, const std::vector<cell> &belo
     return out;
 }
 
+// The bits of one line, each above its place.
+std::string bits_of(const std::vector<cell> &cells, const std::vector<uint8_t> &image) {
+    std::string out;
+    for (const cell &c : cells) {
+        out.resize(2 * (c.first % line_bits) + 1, ' ');
+        for (unsigned bit = c.first; bit < c.first + c.bits; ++bit) {
+            const bool one = bit / 8 < image.size() && (image[bit / 8] >> (7 - bit % 8) & 1) != 0;
+            out += one ? "1" : "0";
+            if (bit + 1 < c.first + c.bits) out += ' ';
+        }
+    }
+    return out;
+}
+
 colour colour_of(const run &r) {
     if (r.number == run::none) return colour::dim;
     return r.of_key ? colour::key : colour::data;
@@ -98,7 +112,8 @@ colour colour_of(const run &r) {
 
 }  // namespace
 
-std::string drawing(const std::vector<run> &runs, unsigned indent) {
+std::string drawing(const std::vector<run> &runs, unsigned indent,
+                    const std::vector<uint8_t> *image) {
     const std::string left(indent, ' '), blank(margin, ' ');
     std::string heading(2 * line_bits + 4, ' ');
     for (unsigned bit = 0; bit < line_bits; bit += 8) {
@@ -113,6 +128,7 @@ std::string drawing(const std::vector<run> &runs, unsigned indent) {
     const std::vector<cell> nothing;
     for (size_t l = 0; l < lines.size(); ++l) {
         out += left + blank + border(l == 0 ? nothing : lines[l - 1], lines[l]) + "\n";
+        if (image != nullptr) out += left + blank + bits_of(lines[l], *image) + "\n";
         std::string number = std::to_string(l * line_bits);
         number.insert(0, margin - 1 - number.size(), ' ');
         std::string shown = left + painted(number, colour::dim) + " |";

@@ -10,6 +10,7 @@
 // A name that does not fit its bits is a letter, explained below. '>' marks a field that goes on
 // in the next line.
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,8 @@
 
 namespace halden::tool {
 
-std::string drawing(const std::vector<pipeline::run> &runs, unsigned indent);
+// With an image, its bits stand above the fields that they belong to.
+std::string drawing(const std::vector<pipeline::run> &runs, unsigned indent,
+                    const std::vector<uint8_t> *image = nullptr);
 
 }  // namespace halden::tool

@@ -55,7 +55,11 @@ int main(int argc, char **argv) {
     tool::add_tables(app, given);
     tool::add_describe(app, given);
     tool::add_write(app, given);
+    tool::add_read(app, given);
+    tool::add_dump(app, given);
     tool::add_lookup(app, given);
+    tool::add_decode(app, given);
+    tool::add_explain(app, given);
 
     try {
         app.parse(argc, argv);

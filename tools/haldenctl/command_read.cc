@@ -1,0 +1,235 @@
+// haldenctl read TABLE INDEX|KEY, haldenctl dump TABLE|--all: what stands in the tables.
+
+#include <charconv>
+#include <iostream>
+
+#include "host/view/row_hash.h"
+#include "p4gen/halden/pipeline/words.h"
+#include "p4pd.h"
+#include "tools/haldenctl/adapter_view.h"
+#include "tools/haldenctl/commands.h"
+#include "tools/haldenctl/drawing.h"
+#include "tools/haldenctl/entry_file.h"
+#include "tools/haldenctl/entry_text.h"
+#include "tools/haldenctl/naming.h"
+#include "tools/haldenctl/raw_entry.h"
+#include "tools/haldenctl/screen.h"
+
+namespace halden::tool {
+
+using namespace pipeline;
+
+namespace {
+
+// Longer than any table's text: a byte of an array takes up to six characters.
+constexpr size_t text_bytes = 16384;
+
+bool same_key(const records &a, const records &b) {
+    for (size_t n = 0; n < a.of->key.size(); ++n) {
+        const wide ones = all_ones(a.of->key[n].bits);
+        const wide mask = a.mask_value(n) & ones;
+        if (mask != (b.mask_value(n) & ones)) return false;
+        if ((a.key_value(n) & mask) != (b.key_value(n) & mask)) return false;
+    }
+    return true;
+}
+
+uint32_t index_from_fields(const table &t, const std::vector<std::string> &given) {
+    std::vector<wide> values(t.index.size());
+    for (const std::string &argument : given) {
+        const size_t equals = std::min(argument.find('='), argument.size());
+        const size_t n = field_named(t.index, argument.substr(0, equals), "index field");
+        try {
+            values[n] = parse_value(argument.substr(std::min(equals + 1, argument.size())),
+                                    t.index[n].bits);
+        } catch (const failure &error) {
+            throw error.inside(std::string(t.index[n].name));
+        }
+    }
+    uint32_t row = 0;
+    for (size_t n = 0; n < values.size(); ++n)
+        row = row << t.index[n].bits | static_cast<uint32_t>(values[n]);
+    return row;
+}
+
+struct found_row {
+    const table *of;
+    uint32_t row;
+};
+
+// The row whose entry has this very key, mask included.
+found_row row_of_key(host::adapter &adapter, const table &t,
+                     const std::vector<std::string> &given) {
+    records wanted(t);
+    set_key_fields(wanted, given);
+    if (is_hash(t.kind)) {
+        const key_images images = images_of(wanted);
+        const uint32_t row = host::view::hash_row(t.id, images.key.data(), adapter.depth(t.id));
+        if (const auto entry = read_back(adapter, t, row); entry && same_key(*entry, wanted))
+            return {&t, row};
+    }
+    const table &searched = t.kind == kind::hash_sram ? *overflow_of(t) : t;
+    if (has_mask(searched.kind)) {
+        for (uint32_t row = adapter.next_used(searched.id, 0); row < adapter.depth(searched.id);
+             row = adapter.next_used(searched.id, row + 1)) {
+            const auto entry = read_back(adapter, searched, row);
+            if (entry && same_key(*entry, wanted)) return {&searched, row};
+        }
+    }
+    throw failure(std::string(t.name) + ": no entry has the key " + key_line(wanted) +
+                  "; `haldenctl lookup` says what a packet would hit");
+}
+
+found_row row_named(host::adapter &adapter, const table &t, const std::vector<std::string> &given) {
+    if (given.empty()) {
+        if (adapter.depth(t.id) == 1) return {&t, 0};
+        throw failure(std::string(t.name) + ": no index " +
+                      (is_keyed(t.kind) ? "and no key " : "") + "is given; allowed: 0 to " +
+                      std::to_string(adapter.depth(t.id) - 1));
+    }
+    try {
+        if (given.size() == 1 && given[0].find('=') == given[0].npos) {
+            const auto row = static_cast<uint32_t>(parse_value(given[0], 32));
+            check_row(adapter, t, row);
+            return {&t, row};
+        }
+        if (!is_keyed(t.kind)) {
+            const uint32_t row = index_from_fields(t, given);
+            check_row(adapter, t, row);
+            return {&t, row};
+        }
+    } catch (const failure &error) {
+        throw error.inside(std::string(t.name));
+    }
+    return row_of_key(adapter, t, given);
+}
+
+std::string decoded(records &entry, uint32_t row) {
+    std::string text(text_bytes, '\0');
+    p4pd_table_ds_decoded_string_get(entry.of->id, row, entry.key_pointer(), entry.mask_pointer(),
+                                     entry.data.data(), text.data(),
+                                     static_cast<uint16_t>(text.size()));
+    text.resize(text.find('\0'));
+    return text;
+}
+
+void print_image(const char *what, const table &t, const raw_entry &raw,
+                 const std::vector<uint8_t> &image) {
+    const std::vector<uint8_t> stored = as_stored(t, image, raw.bits);
+    std::cout << painted(std::string(what) + ", " + std::to_string(raw.bits) + " bits",
+                         colour::title)
+              << "\n  in memory  " << hex_of(stored.data(), stored.size()) << "\n  image      "
+              << hex_of(image.data(), image.size()) << "\n"
+              << drawing(runs_of(t, raw), 2, &image);
+}
+
+void print_raw(const table &t, const stored_row &stored) {
+    if (!stored.key.empty()) {
+        const raw_entry raw{stored.key, stored.mask, tcam_width(t)};
+        print_image("key", t, raw, stored.key);
+        print_image("mask", t, raw, stored.mask);
+    }
+    if (stored.data_bits != 0)
+        print_image("row", t, {stored.data, {}, static_cast<uint16_t>(stored.data_bits)},
+                    stored.data);
+}
+
+struct read_options {
+    std::string table;
+    std::vector<std::string> where;
+    bool as_json = false, raw = false;
+};
+
+void read(const opened_adapter &adapter, const read_options &wanted) {
+    const auto [t, row] = row_named(*adapter, table_named(wanted.table), wanted.where);
+    auto entry = read_back(*adapter, *t, row);
+    if (!entry) throw failure(std::string(t->name) + ": row " + std::to_string(row) + " is empty");
+    if (wanted.as_json)
+        std::cout << to_json(*entry, row).dump(2) << "\n";
+    else
+        std::cout << decoded(*entry, row);
+    if (wanted.raw) print_raw(*t, *stored_at(*adapter, *t, row));
+}
+
+// --- dump ----------------------------------------------------------------------------------------
+
+class dump_printer {
+  public:
+    explicit dump_printer(bool as_json) : as_json_(as_json) {
+        if (as_json_) std::cout << "{\"entries\": [";
+    }
+    void put(const records &entry, uint32_t row) {
+        if (as_json_) {
+            std::cout << (count_ == 0 ? "\n" : ",\n") << to_json(entry, row).dump();
+        } else {
+            const table &t = *entry.of;
+            std::cout << painted(t.name, colour::title) << "  " << place_of(t, row);
+            if (is_keyed(t.kind)) std::cout << "  " << painted(key_line(entry), colour::key);
+            std::cout << "  " << (entry.action() != nullptr ? entry.action()->name : "?");
+            if (const std::string data = data_line(entry); !data.empty())
+                std::cout << ": " << painted(data, colour::data);
+            std::cout << "\n";
+        }
+        ++count_;
+    }
+    void end() {
+        if (as_json_) std::cout << (count_ == 0 ? "" : "\n") << "]}\n";
+    }
+    size_t count() const { return count_; }
+
+  private:
+    bool as_json_;
+    size_t count_ = 0;
+};
+
+void dump_table(host::adapter &adapter, const table &t, dump_printer &out) {
+    for (uint32_t row = adapter.next_used(t.id, 0); row < adapter.depth(t.id);
+         row = adapter.next_used(t.id, row + 1)) {
+        const auto entry = read_back(adapter, t, row);
+        if (!entry) continue;
+        if (entry->action() == nullptr)
+            throw failure(std::string(t.name) + ": row " + std::to_string(row) +
+                          " names a program that is none of the table's actions; see `haldenctl "
+                          "read " +
+                          std::string(t.name) + " " + std::to_string(row) + " --raw`");
+        out.put(*entry, row);
+    }
+}
+
+}  // namespace
+
+void add_read(CLI::App &app, const options &given) {
+    CLI::App *command =
+        app.add_subcommand("read", "One entry, by its index or its key, as the library prints it");
+    auto wanted = std::make_shared<read_options>();
+    command->add_option("TABLE", wanted->table, "Name or id")->required();
+    command->add_option("INDEX|FIELD=VALUE", wanted->where,
+                        "The row; or the entry's key, mask included");
+    command->add_flag("--json", wanted->as_json, "As JSON that `write` takes");
+    command->add_flag("--raw", wanted->raw, "With its images and the fields of their bits");
+    command->callback([&given, wanted] { read(opened_adapter(given.adapter), *wanted); });
+}
+
+void add_dump(CLI::App &app, const options &given) {
+    CLI::App *command = app.add_subcommand("dump", "Every used row of a table, or of all");
+    auto name = std::make_shared<std::string>();
+    auto all = std::make_shared<bool>(false), as_json = std::make_shared<bool>(false);
+    auto *table_option = command->add_option("TABLE", *name, "Name or id");
+    command->add_flag("--all", *all, "All tables")->excludes(table_option);
+    command->add_flag("--json", *as_json, "As a file that `write` takes");
+    command->callback([&given, name, all, as_json] {
+        if (name->empty() && !*all)
+            throw CLI::ValidationError("dump", "TABLE or --all is required");
+        const table *one = *all ? nullptr : &table_named(*name);
+        const opened_adapter adapter(given.adapter);
+        dump_printer out(*as_json);
+        for (const table *t : tables)
+            if (one == nullptr || one == t) dump_table(*adapter, *t, out);
+        out.end();
+        if (out.count() == 0)
+            std::cerr << (one != nullptr ? std::string(one->name) : "all tables") << ": no row of "
+                      << adapter.name() << " is in use\n";
+    });
+}
+
+}  // namespace halden::tool
