@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "p4pd.h"
+#include "sdk/asic/pd.h"
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/drawing.h"
 #include "tools/haldenctl/entry_file.h"
@@ -72,6 +73,11 @@ json json_of(const table &t, const raw_entry &raw, uint32_t index) {
     return out;
 }
 
+std::string program_name(const table &t, const raw_entry &raw) {
+    const size_t id = sdk::asic::pd::asicpd_get_action_id(t.id, raw.entry[0]);
+    return id < t.actions.size() ? std::string(t.actions[id].name) : "of no action of the table";
+}
+
 void explain(const table &t, const raw_entry &raw) {
     const auto runs = runs_of(t, raw);
     const auto range = [](const run &r) {
@@ -90,9 +96,10 @@ void explain(const table &t, const raw_entry &raw) {
                          : r.of_key            ? colour::key
                                                : colour::data;
         if (raw.y.empty()) {
-            out.row({range(r), std::string(r.field), part,
-                     whole && r.number != run::none ? shown(x, r.field, r.bits) : hexadecimal(x)},
-                    c);
+            std::string value =
+                whole && r.number != run::none ? shown(x, r.field, r.bits) : hexadecimal(x);
+            if (r.field == action_program) value += " (" + program_name(t, raw) + ")";
+            out.row({range(r), std::string(r.field), part, value}, c);
             continue;
         }
         const wide y = bits_of(raw.y, r);

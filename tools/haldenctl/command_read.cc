@@ -89,6 +89,10 @@ found_row row_named(host::adapter &adapter, const table &t, const std::vector<st
     }
     try {
         if (given.size() == 1 && given[0].find('=') == given[0].npos) {
+            if (given[0].find_first_not_of("0123456789abcdefx") != given[0].npos)
+                throw failure("'" + given[0] + "' is no row; allowed: 0 to " +
+                              std::to_string(adapter.depth(t.id) - 1) +
+                              (is_keyed(t.kind) ? ", or the key as FIELD=VALUE" : ""));
             const auto row = static_cast<uint32_t>(parse_value(given[0], 32));
             check_row(adapter, t, row);
             return {&t, row};

@@ -81,12 +81,19 @@ void install(host::adapter &adapter, const placed &p) {
         throw failure("the adapter did not take it");
 }
 
+// A flow's valid bit, the last of its fields.
+bool is_valid(const records &entry) {
+    return entry.data_value(entry.action()->fields.size() - 1) != 0;
+}
+
 // What hardware would say to a packet of this entry's key, when that is not this entry.
 std::string shadow_of(host::adapter &adapter, const placed &p) {
     const table &t = *p.given->entry.of;
     if (!is_keyed(t.kind) || t.id == host::flow_ohash_table) return {};
     const key_images images = images_of(p.given->entry);
     const auto found = host::view::lookup(adapter, t.id, images.key.data());
+    if (!found.hit && t.id == host::flow_table && !is_valid(p.given->entry))
+        return "not found by its key: entry_valid is 0, so hardware steps over it";
     if (!found.hit)
         return hashes(t) && !p.by_hash ? "not found by its key: the hash leads to row " +
                                              std::to_string(found.hashed_row)

@@ -15,14 +15,22 @@ using namespace pipeline;
 // nlohmann-json keeps the last of two members of one name without a word.
 class member_names {
   public:
-    void see(json::parse_event_t event, const json &parsed) {
-        if (event == json::parse_event_t::object_start) open_.emplace_back();
+    void see(int depth, json::parse_event_t event, const json &parsed) {
+        if (event == json::parse_event_t::array_start && depth == 0) entry_depth_ = 1;
+        if (event == json::parse_event_t::object_start) {
+            open_.emplace_back();
+            if (depth == entry_depth_) ++entries_;
+        }
         if (event == json::parse_event_t::object_end) open_.pop_back();
-        if (event == json::parse_event_t::key && !open_.back().insert(parsed).second)
-            throw failure("the member '" + parsed.get<std::string>() + "' is given twice");
+        if (event == json::parse_event_t::key && !open_.back().insert(parsed).second) {
+            const failure twice("the member '" + parsed.get<std::string>() + "' is given twice");
+            throw depth > entry_depth_ ? twice.inside("entry " + std::to_string(entries_)) : twice;
+        }
     }
 
   private:
+    int entry_depth_ = 2;  // in the list of an object; or of a bare list
+    size_t entries_ = 0;
     std::vector<std::set<std::string>> open_;
 };
 
@@ -68,12 +76,20 @@ void read_key(records &entry, const json &fields) {
     }
 }
 
+size_t data_field(const records &entry, const std::string &name) {
+    try {
+        return field_named(entry.action()->fields, name, "data field");
+    } catch (const failure &error) {
+        if (!has_programs(*entry.of)) throw;
+        throw error.inside("action " + std::string(entry.action()->name));
+    }
+}
+
 void read_data(records &entry, const json &fields) {
     const auto known = entry.action()->fields;
     for (const auto &[name, value] : object(fields, "data").items()) {
         if (name == "comment") continue;
-        const size_t n =
-            field_named(known, name, "data field of action " + std::string(entry.action()->name));
+        const size_t n = data_field(entry, name);
         try {
             entry.set_data(n, json_value(value, known[n].bits, false).value);
         } catch (const failure &error) {
@@ -164,8 +180,8 @@ std::vector<file_entry> read_entries(std::istream &in, const std::string &name) 
     std::string place = name;
     try {
         member_names names;
-        json whole = json::parse(in, [&](int, json::parse_event_t event, json &parsed) {
-            names.see(event, parsed);
+        json whole = json::parse(in, [&](int depth, json::parse_event_t event, json &parsed) {
+            names.see(depth, event, parsed);
             return true;
         });
         const json entries = entries_of(whole);

@@ -9,7 +9,22 @@
 #include "host/trace/trace.h"
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/naming.h"
 #include "tools/haldenctl/screen.h"
+
+namespace {
+
+// What was wrong with the command line. A command that does not exist is called by its name.
+std::string misunderstanding(const CLI::App &app, const CLI::ParseError &error) {
+    const std::vector<std::string> rest = app.remaining();
+    if (!app.get_subcommands().empty() || rest.empty() || rest[0].starts_with('-'))
+        return error.what();
+    std::vector<std::string> names;
+    for (const CLI::App *command : app.get_subcommands({})) names.push_back(command->get_name());
+    return halden::tool::unknown("command", rest[0], {names.begin(), names.end()});
+}
+
+}  // namespace
 
 int main(int argc, char **argv) {
     using namespace halden;
@@ -66,8 +81,9 @@ int main(int argc, char **argv) {
         std::cout.flush();
         if (!std::cout) throw tool::failure("standard output cannot be written");
     } catch (const CLI::ParseError &error) {
-        if (error.get_exit_code() == 0) return app.exit(error);
-        app.exit(error);
+        if (error.get_exit_code() == 0) return app.exit(error);  // help and version
+        std::cerr << "haldenctl: " << misunderstanding(app, error)
+                  << "; `haldenctl --help` says more\n";
         return not_understood;
     } catch (const std::exception &error) {
         std::cout.flush();

@@ -84,7 +84,8 @@ const pipeline::table &table_named(std::string_view name) {
         throw failure("no table " + std::string(name) + "; allowed: 1 to " +
                       std::to_string(pipeline::table_count) + ", or a name of `haldenctl tables`");
     }
-    throw failure(unknown("table", name, names) + "; `haldenctl tables` lists them");
+    const std::string text = unknown("table", name, names);
+    throw failure(text + (text.ends_with('?') ? " " : "; ") + "`haldenctl tables` lists them");
 }
 
 size_t action_named(const pipeline::table &t, std::string_view name) {

@@ -56,8 +56,8 @@ raw_entry read_raw(const table &t, const std::string &entry, const std::string &
     out.y = bytes_from("--y", y);
     if (out.entry.empty()) throw failure("--entry: no digits were given");
     if (with_y && out.y.size() != out.entry.size())
-        throw failure("--y: " + std::to_string(out.y.size()) + " bytes were given; allowed: " +
-                      std::to_string(out.entry.size()) + ", as in --entry");
+        throw failure("--y: its length is " + std::to_string(out.y.size()) +
+                      "; allowed: " + std::to_string(out.entry.size()) + ", the bytes of --entry");
     check_length(t, "--entry", out.entry.size() * 8, with_y);
     if (bits > out.entry.size() * 8)
         throw failure("--len: " + std::to_string(bits) + " bits were asked for, and " +

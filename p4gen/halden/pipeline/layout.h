@@ -26,6 +26,9 @@ struct run {
     unsigned field_bits = 0;
 };
 
+// What the run of a program counter is called.
+inline constexpr std::string_view action_program = "action program";
+
 inline constexpr unsigned wide_row_bits = 1024;
 inline constexpr unsigned flit_bits = 512;
 
@@ -87,7 +90,7 @@ inline std::vector<run> row_image(const table &t, const action &a) {
     if (is_hash(t.kind)) runs = key_image(t);
     if (has_hash_row(t.kind)) data_at = t.key_bits;
     if (has_programs(t)) {
-        runs.push_back({"action program", run::none, false, 0, 8, 0, 8});
+        runs.push_back({action_program, run::none, false, 0, 8, 0, 8});
         data_at = 8;
     }
     for (run r : data_image(a)) {
