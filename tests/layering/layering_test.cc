@@ -169,7 +169,8 @@ TEST_F(BrokenProject, APlaceOfAMachineIsFoundAndAUrlOrARelativePathIsNot) {
     write("log/a.cc",
           "const char *where = \"/home/somebody/halden\";\n"
           "// see build/tmp/x, ${WORK}/work/x and https://example.org/home/x\n"
-          "const char *there = \"/tmp/x\";\n");
+          "const char *there = \"/tmp/x\";\n"
+          "char made[] = \"/tmp/x-XXXXXX\";\n");
     EXPECT_THAT(machine_paths_in(top_, "log"),
                 ElementsAre("log/a.cc:1: const char *where = \"/home/somebody/halden\";",
                             "log/a.cc:3: const char *there = \"/tmp/x\";"));

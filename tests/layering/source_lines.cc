@@ -34,6 +34,11 @@ bool continues_a_path(char before) {
            std::string_view("_.~/-})$").find(before) != std::string_view::npos;
 }
 
+// A template that mkdtemp fills in names no place that has to be there.
+bool is_made_afresh(std::string_view path) {
+    return path.starts_with("/tmp/") && path.find("XXXXXX") != std::string_view::npos;
+}
+
 }  // namespace
 
 std::string place_of(const source_line &line) {
@@ -104,7 +109,9 @@ std::optional<std::string> machine_path(std::string_view text) {
              at = text.find(wanted, at + 1)) {
             if (at != 0 && continues_a_path(text[at - 1])) continue;
             const size_t end = text.find_first_of(" \t\"'<>;,()", at);
-            return std::string(text.substr(at, end - at));
+            const std::string_view path = text.substr(at, end - at);
+            if (is_made_afresh(path)) continue;
+            return std::string(path);
         }
     }
     return std::nullopt;

@@ -34,7 +34,8 @@ std::string resolved(const std::filesystem::path &root, const std::string &file,
 // Whether `path` is `room` or lies below it.
 bool lies_in(std::string_view path, std::string_view room);
 
-// The directory of somebody's machine that the text names, such as a home directory.
+// The directory of somebody's machine that the text names, such as a home directory; a template
+// for a temporary one is none.
 std::optional<std::string> machine_path(std::string_view text);
 
 }  // namespace layering
