@@ -145,19 +145,22 @@ int64_t flow_bed::seen_by_hardware(uint64_t number) {
     return found.image[64] << 14 | found.image[65] << 6 | found.image[66] >> 2;
 }
 
-std::vector<uint8_t> flow_bed::memories() {
-    std::vector<uint8_t> out(size_t{128} * (adapter_->depth(flow) + adapter_->depth(flow_ohash)));
-    const size_t main_bytes = size_t{128} * adapter_->depth(flow);
-    std::memcpy(out.data(), adapter_->hbm_rows(flow), main_bytes);
-    std::memcpy(out.data() + main_bytes, adapter_->hbm_rows(flow_ohash), out.size() - main_bytes);
+memory_image flow_bed::memories() {
+    memory_image out;
+    for (const uint32_t table : {flow, flow_ohash}) {
+        uint32_t row = 0;
+        for (; (row = adapter_->next_used(table, row)) < adapter_->depth(table); ++row)
+            std::memcpy(out[{table, row}].data(), adapter_->hbm_rows(table) + size_t{128} * row,
+                        128);
+    }
     return out;
 }
 
-void flow_bed::put_memories(const std::vector<uint8_t> &bytes) {
-    const size_t main_bytes = size_t{128} * adapter_->depth(flow);
-    std::memcpy(adapter_->hbm_rows(flow), bytes.data(), main_bytes);
-    std::memcpy(adapter_->hbm_rows(flow_ohash), bytes.data() + main_bytes,
-                bytes.size() - main_bytes);
+void flow_bed::put_memories(const memory_image &image) {
+    for (const auto &[place, row] : memories())
+        std::memset(adapter_->hbm_rows(place.first) + size_t{128} * place.second, 0, 128);
+    for (const auto &[place, row] : image)
+        std::memcpy(adapter_->hbm_rows(place.first) + size_t{128} * place.second, row.data(), 128);
 }
 
 uint32_t flow_bed::rows_in_use(uint32_t table) {

@@ -8,9 +8,11 @@
 #include "host/engines/flow/ftl_access.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace halden::test {
@@ -31,6 +33,9 @@ uint32_t hash_of(uint64_t number);
 std::vector<uint64_t> numbers_with_hash(uint32_t mask, uint32_t value, size_t count);
 std::vector<uint64_t> numbers_up_to(uint64_t end);
 
+// Rows by table and number.
+using memory_image = std::map<std::pair<uint32_t, uint32_t>, host::flow_image>;
+
 class flow_bed {
   public:
     explicit flow_bed(const host::adapter_options &options, const std::string &directory = {});
@@ -49,9 +54,9 @@ class flow_bed {
 
     // The flow_idx that the hardware's view finds for the key; -1 for a miss.
     int64_t seen_by_hardware(uint64_t number);
-    // Both memories, byte by byte.
-    std::vector<uint8_t> memories();
-    void put_memories(const std::vector<uint8_t> &bytes);
+    // Every row of both memories that is not all zero.
+    memory_image memories();
+    void put_memories(const memory_image &image);
     uint32_t overflow_rows_in_use();
     uint32_t main_rows_in_use();
 

@@ -42,7 +42,7 @@ sdk_ret_t engine::start(adapter &hardware) {
     return SDK_RET_OK;
 }
 
-void engine::note_rows_in_use() {
+void engine::note_rows_in_use(uint32_t left_out) {
     const scratch_row mine;
     base_table_entry_t *entry = scratch(mine, 0);
     const auto is_valid = [&](const place &at) {
@@ -52,16 +52,18 @@ void engine::note_rows_in_use() {
     main_before_ = overflow_before_ = 0;
     for (uint32_t row = 0; (row = rows_.next_used(flow_table, row)) < rows_.main_rows(); ++row)
         main_before_ += is_valid(rows_.main(row));
-    std::vector<bool> used;
+    std::vector<bool> used(left_out, true);
     for (uint32_t row = 0; (row = rows_.next_used(flow_ohash_table, row)) < rows_.overflow_rows();
          ++row) {
-        used.resize(row + 1);
+        if (row >= used.size()) used.resize(row + 1);
         used[row] = true;
         overflow_before_ += is_valid(rows_.overflow(row));
     }
-    free_.rebuild(used);
+    free_.rebuild(std::move(used));
     for (uint32_t i = 0; i < stripe_count_; ++i) stripes_[i].reset_counts();
 }
+
+void engine::leave_out(uint32_t end) { note_rows_in_use(end); }
 
 // The caller's record stays as it is: it may be used again for another key.
 sdk_ret_t engine::hash_of(const sdk_table_api_params_ &call, uint32_t &hash) {

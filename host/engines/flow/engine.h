@@ -84,6 +84,8 @@ class engine {
     sdk_ret_t restore();
 
     rows &memory() { return rows_; }
+    // Hands out no overflow row below `end`. No operation may be under way.
+    void leave_out(uint32_t end);
     uint64_t count() const;
     // The flows of the first bucket at or behind main row `row` that has any; `row` becomes its
     // row. False when there is none.
@@ -108,7 +110,7 @@ class engine {
     void collect(const place &at, uint32_t path, base_table_entry_t *cursor,
                  std::vector<bucket_row> &out) const;
     void take_key_and_data(base_table_entry_t *entry, base_table_entry_t *from) const;
-    void note_rows_in_use();
+    void note_rows_in_use(uint32_t left_out = 0);
 
     // Runs `read` until no writer came between. After many changes under its eyes it takes the
     // lock: a reader must come to an end.

@@ -1,11 +1,14 @@
 #pragma once
 
-// Which overflow rows are free. Rows that were never used are handed out in order, so that memory
-// is touched as late as possible; rows that came back are handed out first, the last one before the
-// others. Row 0 is never handed out. Any number of threads take and give back without a lock.
+// Which overflow rows are free. Rows that were not in use at the start are handed out in order, so
+// that memory is touched as late as possible; rows that came back are handed out first, the last
+// one before the others. Row 0 is never handed out. Any number of threads take and give back
+// without a lock.
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace halden::host::flow {
@@ -34,13 +37,15 @@ class free_rows {
             }
         }
         uint32_t row = untouched_.load(std::memory_order_relaxed);
-        while (row < depth_) {
-            if (untouched_.compare_exchange_weak(row, row + 1, std::memory_order_relaxed)) {
+        for (;;) {
+            uint32_t next = row;
+            while (next < depth_ && next < taken_.size() && taken_[next]) ++next;
+            if (next >= depth_) return 0;
+            if (untouched_.compare_exchange_weak(row, next + 1, std::memory_order_relaxed)) {
                 left_.fetch_sub(1, std::memory_order_relaxed);
-                return row;
+                return next;
             }
         }
-        return 0;
     }
 
     void give_back(uint32_t row) {
@@ -51,17 +56,16 @@ class free_rows {
         left_.fetch_add(1, std::memory_order_relaxed);
     }
 
-    // Starts again with the rows marked in `used` taken; rows behind its end are free. No other
+    // Starts again with the rows marked in `taken` in use; rows behind its end are free. No other
     // thread may be at work.
-    void rebuild(const std::vector<bool> &used) {
-        uint32_t end = static_cast<uint32_t>(used.size());
-        while (end > 1 && !used[end - 1]) --end;
-        if (end == 0) end = 1;
-        untouched_.store(end, std::memory_order_relaxed);
-        left_.store(depth_ - end, std::memory_order_relaxed);
+    void rebuild(std::vector<bool> taken) {
+        if (taken.empty()) taken.resize(1);
+        taken[0] = true;
+        taken_ = std::move(taken);
+        const auto used = std::count(taken_.begin(), taken_.end(), true);
+        left_.store(depth_ - static_cast<uint32_t>(used), std::memory_order_relaxed);
+        untouched_.store(1, std::memory_order_relaxed);
         returned_.store(0, std::memory_order_relaxed);
-        for (uint32_t row = end - 1; row > 0; --row)
-            if (!used[row]) give_back(row);
     }
 
     // While others are at work this is a little behind.
@@ -76,6 +80,7 @@ class free_rows {
 
     uint32_t *links_ = nullptr;
     uint32_t depth_ = 0;
+    std::vector<bool> taken_;  // at the last rebuild; only looked at from `untouched_` on
     std::atomic<uint64_t> returned_ = 0;
     std::atomic<uint32_t> untouched_ = 1;
     std::atomic<uint32_t> left_ = 0;

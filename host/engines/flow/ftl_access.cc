@@ -50,4 +50,8 @@ void ftl_access::set_write_hook(ftl_base &table, write_hook hook) {
     if (table.impl_ != nullptr) table.impl_->memory().set_hook(std::move(hook));
 }
 
+void ftl_access::leave_out_overflow_rows(ftl_base &table, uint32_t end) {
+    if (table.impl_ != nullptr) table.impl_->leave_out(end);
+}
+
 }  // namespace sdk::table

@@ -67,6 +67,9 @@ class ftl_access {
     // Called behind every word that the engine stores in a row, in the middle of the operation. An
     // empty function ends it. No operation may be under way.
     static void set_write_hook(ftl_base &table, write_hook hook);
+
+    // From now on no new flow takes an overflow row below `end`. No operation may be under way.
+    static void leave_out_overflow_rows(ftl_base &table, uint32_t end);
 };
 
 }  // namespace sdk::table
