@@ -62,7 +62,7 @@ void EntryWrite::begin() {
     host_.reset();
     prepares_ = 0;
     host_.on_call = [this](const call &made) { check_images(made); };
-    host_.on_prepare = [this](const call &) { return prepared(prepares_++); };
+    host_.on_prepare = [this](const call &) { return prepared_length(prepares_++); };
     host_.on_action_pc = [](uint32_t, uint8_t action) { return program_counter(action); };
     dirty_stack();
 }
@@ -93,12 +93,6 @@ void EntryWrite::check_images(const call &made) {
         check_data(6, "the data before the key");
         check_data(8, "the data after the key");
     }
-}
-
-void append_packing(expected &calls, const std::string &image, const std::string &record,
-                    packed_fields fields) {
-    for (const packed_field &f : fields)
-        calls.push_back({pack_call, {at(image), f.bit, at(record, f.byte), 0, f.width}});
 }
 
 }  // namespace halden::test

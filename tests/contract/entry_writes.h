@@ -9,7 +9,6 @@
 #include "gtest/gtest.h"
 #include "p4pd.h"
 #include "tests/contract/expect_calls.h"
-#include "tests/contract/packed_field.h"
 #include "tests/support/recording_host.h"
 
 namespace halden::test {
@@ -49,6 +48,13 @@ p4pd_error_t write_with_named_writer(const write_request &request);
 // An address that no code can read.
 inline void *unreadable() { return reinterpret_cast<void *>(uintptr_t{8}); }
 
+// Length that the host answers to the nth laying out of an entry, from 0: no two are alike, so that
+// the length in each later call tells which one it came from.
+constexpr uint16_t prepared_length(size_t nth) { return static_cast<uint16_t>(801 + 22 * nth); }
+
+// The program counter that the host answers; never 0xff for the action ids tried.
+constexpr uint8_t program_counter(uint8_t action) { return static_cast<uint8_t>(action ^ 0x30); }
+
 class EntryWrite : public testing::Test {
   protected:
     EntryWrite();
@@ -60,12 +66,6 @@ class EntryWrite : public testing::Test {
     void use_record(size_t bytes, uint8_t action);
     void use_mask_record(size_t bytes, uint8_t action);
 
-    // Length that the host answers to the nth laying out of an entry, from 0: no two are alike, so
-    // that the length in each later call tells which one it came from.
-    static uint16_t prepared(size_t nth) { return static_cast<uint16_t>(801 + 22 * nth); }
-    // The program counter that the host answers.
-    static uint8_t program_counter(uint8_t action) { return static_cast<uint8_t>(action ^ 0x30); }
-
     recording_host &host_ = recording_host::get();
     std::vector<uint8_t> record_, mask_record_;
 
@@ -75,10 +75,6 @@ class EntryWrite : public testing::Test {
     void check_images(const call &made);
     size_t prepares_ = 0;
 };
-
-// Copies of `fields` from `record` into `image`, in order.
-void append_packing(expected &calls, const std::string &image, const std::string &record,
-                    packed_fields fields);
 
 inline std::string text(entry_point way, unsigned action, bool flag) {
     return name_of(way) + ", action " + std::to_string(action) + ", flag " +

@@ -3,22 +3,10 @@
 #include <algorithm>
 #include <array>
 
-#include "tests/contract/entry_writes.h"
-#include "tests/contract/keyed_tables.h"
+#include "tests/contract/writer_calls.h"
 
 namespace halden::test {
 namespace {
-
-constexpr uint32_t row = 0x00c0ffee;
-
-// Every action id of a table, the first that it does not have, and some that no table has.
-std::vector<uint8_t> action_ids(uint8_t actions) {
-    std::vector<uint8_t> ids;
-    for (unsigned id = 0; id <= actions; ++id) ids.push_back(static_cast<uint8_t>(id));
-    ids.push_back(0x80);
-    ids.push_back(0xff);
-    return ids;
-}
 
 class KeyedWriteBase : public EntryWrite {
   protected:
@@ -44,7 +32,7 @@ class KeyedWriteBase : public EntryWrite {
                         SCOPED_TRACE(text(way, action, flag));
                         begin_with_images();
                         host_.entry_offset = offset;
-                        one(way, action, flag, offset);
+                        one(way, written{.action = action, .flag = flag, .offset = offset});
                     }
     }
 
@@ -55,113 +43,46 @@ class KeyedWriteBase : public EntryWrite {
 class KeyedWrite : public KeyedWriteBase, public testing::WithParamInterface<keyed_table> {
   protected:
     const keyed_table &t() const { return GetParam(); }
-    uint8_t pc(uint8_t action) const { return t().has_programs ? program_counter(action) : 0xff; }
 
     // The hash tables' mask is neither read nor written.
-    p4pd_error_t write_one(entry_point way, uint8_t action, bool flag) {
-        use_record(t().record_bytes, action);
+    p4pd_error_t write_one(entry_point way, const written &w) {
+        use_record(t().record_bytes, w.action);
         uint8_t *mask =
             t().tcam_width == 0 ? static_cast<uint8_t *>(unreadable()) : key_mask_.data();
-        return write(way, {t().id, row, key_.data(), mask, record_.data(), nullptr, flag});
+        return write(way,
+                     {t().id, written_row, key_.data(), mask, record_.data(), nullptr, w.flag});
     }
 
-    // The data row of a hash table, or of the overflow of one: [room for the key][data].
-    expected hash_row(place key, uint8_t action, bool flag, uint16_t offset) const {
-        expected calls;
-        append_packing(calls, "packed", "record", t().fields(action));
-        const uint16_t packed_bits = action == 0 ? t().data_bits : uint16_t{0};
-        calls.push_back({prepare_hash_call,
-                         {at("entry"), 0xff, 0, std::move(key), t().key_bits, t().data_bits, null,
-                          0, at("packed"), packed_bits, anything}});
-        calls.push_back({swizzle_call, {at("entry", offset), prepared(0)}});
-        calls.push_back(
-            {sram_call,
-             {t().id, row + t().data_row, at("entry", offset), prepared(0), null, flag}});
-        return calls;
-    }
-
-    void append_tcam_row(expected &calls, bool flag) const {
-        calls.push_back({swizzle_call, {at("key"), t().key_bits}});
-        calls.push_back({swizzle_call, {at("key mask"), t().key_bits}});
-        calls.push_back(
-            {tcam_call, {t().id, row, at("key"), at("key mask"), t().tcam_width, flag}});
+    void expect_every_write(expected (*calls)(const keyed_table &, const written &)) {
+        for_every_write(t().actions, [&](entry_point way, const written &w) {
+            EXPECT_EQ(write_one(way, w), 0);
+            EXPECT_TRUE(calls_are(calls(t(), w)));
+        });
     }
 };
 
-// --- TCAM ----------------------------------------------------------------------------------------
-
 using Tcam = KeyedWrite;
-
-// The data goes to SRAM first, then key and mask to the TCAM. An action without data, or unknown,
-// hands on the table's data length all the same.
-TEST_P(Tcam, MakesExactlyTheseCalls) {
-    for_every_write(t().actions, [&](entry_point way, uint8_t action, bool flag, uint16_t) {
-        EXPECT_EQ(write_one(way, action, flag), 0);
-        expected want;
-        if (t().has_programs) want.push_back({action_pc_call, {t().id, action}});
-        append_packing(want, "packed", "record", t().fields(action));
-        want.push_back(
-            {prepare_call, {at("entry"), pc(action), null, 0, at("packed"), t().data_bits}});
-        want.push_back({swizzle_call, {at("entry"), prepared(0)}});
-        want.push_back({sram_call, {t().id, row, at("entry"), prepared(0), null, flag}});
-        append_tcam_row(want, flag);
-        EXPECT_TRUE(calls_are(want));
-    });
-}
-
+TEST_P(Tcam, MakesExactlyTheseCalls) { expect_every_write(tcam_calls); }
 INSTANTIATE_TEST_SUITE_P(Tables, Tcam, testing::ValuesIn(tcam_tables), table_name);
 
-// --- Overflow TCAM -------------------------------------------------------------------------------
-
 using OverflowTcam = KeyedWrite;
-
-// The data goes to the owner's rows, beyond its own, under the overflow table's id; it is laid out
-// as a hash entry whose key is left out, so an action that packs nothing has no data bits behind.
-TEST_P(OverflowTcam, MakesExactlyTheseCalls) {
-    for_every_write(t().actions, [&](entry_point way, uint8_t action, bool flag, uint16_t offset) {
-        EXPECT_EQ(write_one(way, action, flag), 0);
-        expected want = hash_row(null, action, flag, offset);
-        append_tcam_row(want, flag);
-        EXPECT_TRUE(calls_are(want));
-    });
-}
-
+TEST_P(OverflowTcam, MakesExactlyTheseCalls) { expect_every_write(overflow_calls); }
 INSTANTIATE_TEST_SUITE_P(Tables, OverflowTcam, testing::ValuesIn(overflow_tables), table_name);
 
-// --- Hash, SRAM ----------------------------------------------------------------------------------
-
 using HashSram = KeyedWrite;
-
-// One row with key and data; nothing goes to a TCAM and the caller's key is not swizzled.
-TEST_P(HashSram, MakesExactlyTheseCalls) {
-    for_every_write(t().actions, [&](entry_point way, uint8_t action, bool flag, uint16_t offset) {
-        EXPECT_EQ(write_one(way, action, flag), 0);
-        EXPECT_TRUE(calls_are(hash_row(at("key"), action, flag, offset)));
-    });
-}
-
+TEST_P(HashSram, MakesExactlyTheseCalls) { expect_every_write(hash_sram_calls); }
 INSTANTIATE_TEST_SUITE_P(Tables, HashSram, testing::ValuesIn(hash_sram_tables), table_name);
-
-// --- Hash, HBM -----------------------------------------------------------------------------------
 
 class HashHbm : public KeyedWriteBase, public testing::WithParamInterface<flow_table> {};
 
-// Data stands on both sides of the key's last part. Nothing is swizzled and the flag goes nowhere.
 TEST_P(HashHbm, MakesExactlyTheseCalls) {
-    const uint32_t id = GetParam().id;
-    for_every_write(1, [&](entry_point way, uint8_t action, bool flag, uint16_t offset) {
-        use_record(59, action);
-        uint8_t *mask = static_cast<uint8_t *>(unreadable());
-        EXPECT_EQ(write(way, {id, row, key_.data(), mask, record_.data(), nullptr, flag}), 0);
-        const bool packs = action == 0;
-        expected want;
-        if (packs) append_packing(want, "before", "record", flow_before_key_fields);
-        if (packs) append_packing(want, "after", "record", flow_after_key_fields);
-        want.push_back({prepare_wide_call,
-                        {at("entry"), 0xff, 32, at("key"), 640, 293, at("before"), packs ? 32 : 0,
-                         at("after"), packs ? 261 : 0, anything}});
-        want.push_back({hbm_call, {id, row, at("entry", offset), 0, prepared(0)}});
-        EXPECT_TRUE(calls_are(want));
+    for_every_write(1, [&](entry_point way, const written &w) {
+        use_record(59, w.action);
+        EXPECT_EQ(
+            write(way, {GetParam().id, written_row, key_.data(),
+                        static_cast<uint8_t *>(unreadable()), record_.data(), nullptr, w.flag}),
+            0);
+        EXPECT_TRUE(calls_are(flow_calls(GetParam(), w)));
     });
 }
 
@@ -204,19 +125,17 @@ TEST_F(KeyedWriteCases, FlowWithActionId1HasNoDataBeforeOrAfterTheKey) {
 
 // An overflow row is counted in 32 bits, as the index is.
 TEST_F(KeyedWriteCases, TheDataRowOfAnOverflowEntryWraps) {
-    use_record(4, 0);
+    use_record(4, 1);
     ASSERT_EQ(p4pd_entry_write(10, 0xffffffff, key_.data(), key_mask_.data(), record_.data(), true),
               0);
-    expected want;
-    append_packing(want, "packed", "record", tunnel_terminate_sa_fields);
-    want.push_back({prepare_hash_call,
-                    {at("entry"), 0xff, 0, null, 40, 17, null, 0, at("packed"), 17, anything}});
-    want.push_back({swizzle_call, {at("entry"), 801}});
-    want.push_back({sram_call, {10, 8191, at("entry"), 801, null, true}});
-    want.push_back({swizzle_call, {at("key"), 40}});
-    want.push_back({swizzle_call, {at("key mask"), 40}});
-    want.push_back({tcam_call, {10, 0xffffffffu, at("key"), at("key mask"), 48, true}});
-    EXPECT_TRUE(calls_are(want));
+    EXPECT_TRUE(
+        calls_are({{prepare_hash_call,
+                    {at("entry"), 0xff, 0, null, 40, 17, null, 0, at("packed"), 0, anything}},
+                   {swizzle_call, {at("entry"), 801}},
+                   {sram_call, {10, 8191, at("entry"), 801, null, true}},
+                   {swizzle_call, {at("key"), 40}},
+                   {swizzle_call, {at("key mask"), 40}},
+                   {tcam_call, {10, 0xffffffffu, at("key"), at("key mask"), 48, true}}}));
 }
 
 // Swizzles as a host does it: the bytes of the length, rounded up to 16 bits, end to end.
