@@ -189,6 +189,44 @@ TEST_F(KeyBuildCases, OnlyTheLowestBitOfAFlagAndItsMaskCounts) {
     }
 }
 
+// A 32-bit field that starts at an odd byte is read without a fault.
+TEST_F(KeyBuildCases, AnAddressRightAfterAOneByteFieldIsReadWhereItStands) {
+    copy_as_a_host();
+    for (size_t at : {size_t{0}, size_t{1}, size_t{2}, size_t{3}}) {
+        key_ = {};
+        software_key_ = {};
+        const std::array<uint8_t, 5> record{0x77, 0x04, 0x03, 0x02, 0x01};
+        std::ranges::copy(record, software_key_.begin() + static_cast<ptrdiff_t>(at));
+        EXPECT_EQ(
+            p4pd_hwkey_hwmask_build(4, software_key_.data() + at, nullptr, key_.data(), nullptr),
+            0);
+        EXPECT_TRUE(std::ranges::equal(std::array<uint8_t, 5>{0x77, 0x01, 0x02, 0x03, 0x04},
+                                       std::span(key_).first(5)));
+    }
+}
+
+// A table and its overflow share the key's layout; only the mask
+// differs.
+TEST_F(KeyBuildCases, TablesThatShareTheirLayoutBuildTheSameKey) {
+    struct pair {
+        uint32_t one, other;
+    };
+    software_mask_.fill(0xff);
+    for (size_t i = 0; i < software_key_.size(); ++i)
+        software_key_[i] = static_cast<uint8_t>(0x5a + 77 * i);
+    for (auto [one, other] : {pair{1, 2}, {4, 10}, {5, 11}, {6, 14}, {3, 7}}) {
+        begin();
+        copy_as_a_host();
+        EXPECT_EQ(build(one), 0);
+        const key_bytes first = key_;
+        begin();
+        copy_as_a_host();
+        EXPECT_EQ(build(other), 0);
+        EXPECT_EQ(key_, first) << one << " and " << other;
+        EXPECT_EQ(key_mask_ == key_bytes{}, other == 2) << "only the overflow has a mask";
+    }
+}
+
 TEST_F(KeyBuildCases, FlowLeavesBits472To543AloneAndPutsByte76AtBit544) {
     copy_as_a_host();
     for (uint32_t id : {1u, 2u}) {
