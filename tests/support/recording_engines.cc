@@ -50,20 +50,24 @@ void directmap::destroy(directmap *table) {
 }
 
 sdk_ret_t directmap::insert_withid(void *data, uint32_t index, void *mask) {
+    recording_host::scope inside;
     return engine_call("directmap::insert_withid",
                        {pointer(this), pointer(data), number(index), pointer(mask)});
 }
 
 sdk_ret_t directmap::update(uint32_t index, void *data, void *mask) {
+    recording_host::scope inside;
     return engine_call("directmap::update",
                        {pointer(this), number(index), pointer(data), pointer(mask)});
 }
 
 sdk_ret_t directmap::remove(uint32_t index, void *mask) {
+    recording_host::scope inside;
     return engine_call("directmap::remove", {pointer(this), number(index), pointer(mask)});
 }
 
 sdk_ret_t directmap::retrieve(uint32_t index, void *data) {
+    recording_host::scope inside;
     return engine_call("directmap::retrieve", {pointer(this), number(index), pointer(data)});
 }
 
@@ -78,18 +82,22 @@ void slhash::destroy(slhash *table) {
 }
 
 sdk_ret_t slhash::insert(sdk_table_api_params_ *params) {
+    recording_host::scope inside;
     return engine_call("slhash::insert", {pointer(this), record_of(params)});
 }
 
 sdk_ret_t slhash::update(sdk_table_api_params_ *params) {
+    recording_host::scope inside;
     return engine_call("slhash::update", {pointer(this), record_of(params)});
 }
 
 sdk_ret_t slhash::remove(sdk_table_api_params_ *params) {
+    recording_host::scope inside;
     return engine_call("slhash::remove", {pointer(this), record_of(params)});
 }
 
 sdk_ret_t slhash::get(sdk_table_api_params_ *params) {
+    recording_host::scope inside;
     return engine_call("slhash::get", {pointer(this), record_of(params)});
 }
 
@@ -104,18 +112,22 @@ void sltcam::destroy(sltcam *table) {
 }
 
 sdk_ret_t sltcam::insert(sdk_table_api_params_ *params) {
+    recording_host::scope inside;
     return engine_call("sltcam::insert", {pointer(this), record_of(params)});
 }
 
 sdk_ret_t sltcam::update(sdk_table_api_params_ *params) {
+    recording_host::scope inside;
     return engine_call("sltcam::update", {pointer(this), record_of(params)});
 }
 
 sdk_ret_t sltcam::remove(sdk_table_api_params_ *params) {
+    recording_host::scope inside;
     return engine_call("sltcam::remove", {pointer(this), record_of(params)});
 }
 
 sdk_ret_t sltcam::get(sdk_table_api_params_ *params) {
+    recording_host::scope inside;
     return engine_call("sltcam::get", {pointer(this), record_of(params)});
 }
 
@@ -131,28 +143,34 @@ void ftl_base::ftl_free(uint32_t module, void *memory, bool huge, unsigned long 
 }
 
 sdk_ret_t ftl_base::restore_state() {
+    recording_host::scope inside;
     return engine_call("ftl_base::restore_state", {pointer(this)});
 }
 
 sdk_ret_t ftl_base::init_(sdk_table_factory_params_ *params) {
+    recording_host::scope inside;
     return engine_call("ftl_base::init_", {pointer(this), record_of(params)});
 }
 
 void ftl_base::destroy(ftl_base *table) { engine_call("ftl_base::destroy", {pointer(table)}); }
 
 sdk_ret_t ftl_base::insert(sdk_table_api_params_ *params) {
+    recording_host::scope inside;
     return engine_call("ftl_base::insert", {pointer(this), record_of(params)});
 }
 
 sdk_ret_t ftl_base::update(sdk_table_api_params_ *params) {
+    recording_host::scope inside;
     return engine_call("ftl_base::update", {pointer(this), record_of(params)});
 }
 
 sdk_ret_t ftl_base::remove(sdk_table_api_params_ *params) {
+    recording_host::scope inside;
     return engine_call("ftl_base::remove", {pointer(this), record_of(params)});
 }
 
 sdk_ret_t ftl_base::get(sdk_table_api_params_ *params) {
+    recording_host::scope inside;
     return engine_call("ftl_base::get", {pointer(this), record_of(params)});
 }
 
