@@ -111,5 +111,30 @@ TEST_F(RecordingHost, ExpectationsTellCallsApart) {
     EXPECT_FALSE(calls_are(more)) << "too many";
 }
 
+TEST_F(RecordingHost, ABufferServesAsAnotherOnceItsNameIsLetGo) {
+    std::array<uint8_t, 8> other{};
+    p4pd_utils_swizzle_bytes(other.data(), 8);
+    p4pd_utils_swizzle_bytes(other.data(), 8);
+    const expected_call one{"p4pd_utils_swizzle_bytes", {at("one"), 8}};
+    const expected_call two{"p4pd_utils_swizzle_bytes", {at("two"), 8}};
+    EXPECT_FALSE(calls_are({one, two}));
+    EXPECT_TRUE(calls_are({one, let_go("one"), two}));
+    EXPECT_TRUE(calls_are({let_go("never used"), one, one}));
+    EXPECT_FALSE(calls_are({one, let_go("two"), two}));
+    EXPECT_FALSE(calls_are({one, let_go("one")})) << "one call too few is expected";
+}
+
+TEST_F(RecordingHost, ExpectationsTellBytesApart) {
+    std::array<uint8_t, 8> other{0x12, 0x34};
+    p4pd_utils_swizzle_bytes(other.data(), 16);
+    const auto bytes = [](std::vector<uint8_t> held) {
+        return expected{{"p4pd_utils_swizzle_bytes", {holding{std::move(held)}, 16}}};
+    };
+    EXPECT_TRUE(calls_are(bytes({0x12, 0x34})));
+    EXPECT_FALSE(calls_are(bytes({0x12, 0x35}))) << "another byte";
+    EXPECT_FALSE(calls_are(bytes({0x12}))) << "too few";
+    EXPECT_FALSE(calls_are(bytes({0x12, 0x34, 0}))) << "too many";
+}
+
 }  // namespace
 }  // namespace halden::test
