@@ -76,6 +76,54 @@ TEST(FlowRestore, ANewTableLeavesTheRowsInUseAlone) {
     bed.expect_exactly_the_flows(numbers);
 }
 
+// Hints that lead in circles, to rows of other buckets, to empty rows and beyond the table.
+TEST(FlowRestore, DamagedHintsAreCutAndAllThatIsReachedIsFound) {
+    std::mt19937_64 random(31);
+    for (unsigned round = 0; round < 300; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        flow_bed bed({4, 32});
+        const std::vector<uint64_t> numbers = numbers_up_to(24);
+        for (const uint64_t number : numbers) bed.insert(number, 5);
+        ASSERT_EQ(bed.flows.size(), 24u);
+        for (unsigned damages = 0; damages < 3; ++damages) {
+            const bool in_main = random() % 2 == 0;
+            uint8_t *row = bed.hardware().hbm_rows(in_main ? flow : flow_ohash) +
+                           128 * (in_main ? random() % 4 : 1 + random() % 20);
+            flow_hash_entry_t entry;
+            std::reverse_copy(row, row + 128, entry.body());
+            entry.set_hint_hash(1 + static_cast<uint32_t>(random() % 9),
+                                static_cast<uint32_t>(random() % 40), 0);
+            std::reverse_copy(entry.body(), entry.body() + 128, row);
+        }
+        ASSERT_EQ(bed.table().restore_state(), SDK_RET_OK);
+        uint32_t left = 0;
+        ftl_access::for_each(bed.table(), [&](const ftl_access::stored_flow &stored) {
+            ++left;
+            flow_hash_entry_t entry;
+            stored.copy_to(entry);
+            sdk_table_api_params_t call = {};
+            call.entry = &entry;
+            EXPECT_EQ(bed.table().get(&call), SDK_RET_OK);
+            return true;
+        });
+        EXPECT_EQ(ftl_access::count(bed.table()), left);
+        EXPECT_EQ(bed.main_rows_in_use() + bed.overflow_rows_in_use(), left);
+        EXPECT_GE(left, 4u);
+        // Whatever was cut off can come again.
+        for (const uint64_t number : numbers)
+            if (bed.get(number) != SDK_RET_OK) {
+                ASSERT_EQ(bed.insert(number, 6), SDK_RET_OK);
+            }
+        bed.flows.clear();
+        for (const uint64_t number : numbers) {
+            uint32_t flow_idx = 0;
+            ASSERT_EQ(bed.get(number, &flow_idx), SDK_RET_OK);
+            bed.flows[number] = flow_idx;
+        }
+        bed.expect_exactly_the_flows(numbers);
+    }
+}
+
 struct shape {
     const char *name;
     host::adapter_options depths;
@@ -178,7 +226,9 @@ INSTANTIATE_TEST_SUITE_P(
                     shape{"FourHintHashesInOneRow", {1, 64}, 0x3fc, 40, 240},
                     shape{"OneHintHashInTwoRows", {2, 32}, 0x3ff, 24, 240},
                     // A row number of more than 20 bits reaches into both words of every hint.
-                    shape{"HintsAcrossTwoWords", {1, 2097152}, 0, 40, 60, 0x155551}),
+                    shape{"HintsAcrossTwoWords", {1, 2097152}, 0, 40, 60, 0x155551},
+                    // Half of a hint leads to the first row of all, which is another flow's.
+                    shape{"HalvesOfHintsLeadToOthers", {2, 2097152}, 0, 40, 60, 0x100000}),
     [](const auto &tested) { return std::string(tested.param.name); });
 
 // --- Killed

@@ -53,13 +53,15 @@ void engine::note_rows_in_use(uint32_t left_out) {
     for (uint32_t row = 0; (row = rows_.next_used(flow_table, row)) < rows_.main_rows(); ++row)
         main_before_ += is_valid(rows_.main(row));
     std::vector<bool> used(left_out, true);
+    uint32_t count = std::max(left_out, 1u) - 1;
     for (uint32_t row = 0; (row = rows_.next_used(flow_ohash_table, row)) < rows_.overflow_rows();
          ++row) {
         if (row >= used.size()) used.resize(row + 1);
+        if (row != 0 && !used[row]) ++count;
         used[row] = true;
         overflow_before_ += is_valid(rows_.overflow(row));
     }
-    free_.rebuild(std::move(used));
+    free_.rebuild(std::move(used), count);
     for (uint32_t i = 0; i < stripe_count_; ++i) stripes_[i].reset_counts();
 }
 

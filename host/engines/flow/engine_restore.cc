@@ -3,13 +3,15 @@
 // What one operation can have left in its bucket:
 //   * a main or overflow row that is not valid and has no hints: half made, or half emptied;
 //   * an overflow row that nothing leads to: not linked yet, or not linked any more;
-//   * a slot with a hash and no hint, or with part of a hint, which leads to a row of another
+//   * a slot with part of a hint, which leads to a row of another
 //     bucket, to an empty row or back;
 //   * a row that is not valid and has hints: its entry is removed, the leaf that shall take its
 //     place is still a leaf;
 //   * a leaf whose key stands in a row before it: its copy was made, the leaf is to go.
 
 #include "host/engines/flow/engine.h"
+
+#include <algorithm>
 
 namespace halden::host::flow {
 
@@ -30,7 +32,7 @@ class restorer {
         for (uint32_t row = 0; (row = memory.next_used(flow_table, row)) < memory.main_rows();
              ++row) {
             bucket_ = row;
-            ancestors_.clear();
+            way_.clear();
             if (!repair(memory.main(row))) of_.empty(memory.main(row), row_);
         }
         for (uint32_t row = 0;
@@ -41,22 +43,26 @@ class restorer {
     }
 
   private:
+    struct step {
+        place from;
+        uint32_t slot;
+    };
+
     sdk_ret_t hash_of_entry(base_table_entry_t *entry, uint32_t &hash) {
         sdk_table_api_params_ call = {};
         call.entry = entry;
         return of_.hash_of(call, hash);
     }
 
-    // Whether the flows behind a hint are of this bucket, and of the slot's hash. The first valid
-    // row on the way to a leaf tells; a row without a key of its own has one behind it.
-    bool belongs(uint32_t hint, uint32_t slot, uint32_t slot_hash) {
+    // Whether the flows behind a hint are looked for there: the first valid row on the way to a
+    // leaf tells; a row without a key of its own has one behind it. The way to here is `way_`.
+    bool belongs(uint32_t hint) {
         for (uint32_t steps = 0; steps < longest_walk; ++steps) {
             if (hint >= of_.rows_.overflow_rows()) return false;
             rows::load(of_.rows_.overflow(hint), other_);
             if (other_->get_entry_valid() != 0) {
                 uint32_t hash = 0;
-                return hash_of_entry(other_, hash) == SDK_RET_OK && of_.main_row(hash) == bucket_ &&
-                       (slot == of_.more_slot_ || engine::hint_hash(hash) == slot_hash);
+                return hash_of_entry(other_, hash) == SDK_RET_OK && comes_here(hash);
             }
             const uint32_t last = other_->find_last_hint();
             if (last == 0) return false;
@@ -65,9 +71,18 @@ class restorer {
         return false;
     }
 
+    bool comes_here(uint32_t hash) {
+        if (of_.main_row(hash) != bucket_) return false;
+        return std::all_of(way_.begin(), way_.end(), [&](const step &one) {
+            uint32_t hint = 0;
+            rows::load(one.from, other_);
+            return of_.next_slot(other_, hash, hint) == one.slot;
+        });
+    }
+
     bool stands_in_an_ancestor(base_table_entry_t *entry) {
-        for (const place &ancestor : ancestors_) {
-            rows::load(ancestor, other_);
+        for (const step &one : way_) {
+            rows::load(one.from, other_);
             if (other_->get_entry_valid() != 0 && other_->compare_key(entry)) return true;
         }
         return false;
@@ -77,19 +92,17 @@ class restorer {
         uint32_t hint = 0, hash = 0;
         rows::load(at, row_);
         row_->get_hint_hash(slot, hint, hash);
-        if (hint == 0) {
-            if (hash != 0 && slot != of_.more_slot_) of_.unlink(at, row_, slot);
-            return;
-        }
+        if (hint == 0) return;
         // A row that was come to before stays with the row that led there first.
-        if (belongs(hint, slot, hash) && !used_[hint] && ancestors_.size() < longest_walk) {
+        way_.push_back({at, slot});
+        bool holds = false;
+        if (belongs(hint) && !used_[hint] && way_.size() < longest_walk) {
             used_[hint] = true;
-            ancestors_.push_back(at);
-            const bool holds = repair(of_.rows_.overflow(hint));
-            ancestors_.pop_back();
-            if (holds) return;
-            used_[hint] = false;
+            holds = repair(of_.rows_.overflow(hint));
+            used_[hint] = holds;
         }
+        way_.pop_back();
+        if (holds) return;
         of_.unlink(at, row_, slot);
     }
 
@@ -115,7 +128,7 @@ class restorer {
     base_table_entry_t *row_;
     base_table_entry_t *other_;
     std::vector<bool> used_;
-    std::vector<place> ancestors_;
+    std::vector<step> way_;
     uint32_t bucket_ = 0;
 };
 

@@ -5,7 +5,6 @@
 // one before the others. Row 0 is never handed out. Any number of threads take and give back
 // without a lock.
 
-#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <utility>
@@ -19,7 +18,7 @@ class free_rows {
     void start(uint32_t *links, uint32_t depth) {
         links_ = links;
         depth_ = depth;
-        rebuild({});
+        rebuild({}, 0);
     }
 
     // 0 when all rows are in use.
@@ -56,14 +55,11 @@ class free_rows {
         left_.fetch_add(1, std::memory_order_relaxed);
     }
 
-    // Starts again with the rows marked in `taken` in use; rows behind its end are free. No other
-    // thread may be at work.
-    void rebuild(std::vector<bool> taken) {
-        if (taken.empty()) taken.resize(1);
-        taken[0] = true;
+    // Starts again with the rows marked in `taken` in use, `count` of them beside row 0; rows
+    // behind its end are free. No other thread may be at work.
+    void rebuild(std::vector<bool> taken, uint32_t count) {
         taken_ = std::move(taken);
-        const auto used = std::count(taken_.begin(), taken_.end(), true);
-        left_.store(depth_ - static_cast<uint32_t>(used), std::memory_order_relaxed);
+        left_.store(depth_ - 1 - count, std::memory_order_relaxed);
         untouched_.store(1, std::memory_order_relaxed);
         returned_.store(0, std::memory_order_relaxed);
     }

@@ -1,0 +1,293 @@
+// The calls of the flow engine one by one: results, images, full tables, removal from every place
+// of a chain.
+
+#include "tests/engines/flow_bed.h"
+
+#include "p4pd.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <random>
+
+namespace {
+
+using namespace halden;
+using namespace halden::test;
+
+namespace lay = flow_layout;
+
+TEST(FlowCalls, AnswerMissingAndPresentFlows) {
+    flow_bed bed({64, 32});
+    EXPECT_EQ(bed.get(1), 4u);
+    EXPECT_EQ(bed.update(1, 5), 4u);
+    EXPECT_EQ(bed.remove(1), 4u);
+    EXPECT_EQ(bed.memories(), memory_image());
+    EXPECT_EQ(bed.insert(1, 5), 0u);
+    EXPECT_EQ(bed.insert(1, 6), 5u);
+    uint32_t flow_idx = 0;
+    EXPECT_EQ(bed.get(1, &flow_idx), 0u);
+    EXPECT_EQ(flow_idx, 5u);
+    EXPECT_EQ(bed.update(1, 0x3fffff), 0u);
+    EXPECT_EQ(bed.get(1, &flow_idx), 0u);
+    EXPECT_EQ(flow_idx, 0x3fffffu);
+    EXPECT_EQ(bed.remove(1), 0u);
+    EXPECT_EQ(bed.get(1), 4u);
+    EXPECT_EQ(bed.memories(), memory_image());
+}
+
+TEST(FlowCalls, RefuseNullPointers) {
+    flow_bed bed({64, 32});
+    sdk_table_api_params_t call = {};
+    for (sdk_table_api_params_t *params : {static_cast<sdk_table_api_params_t *>(nullptr), &call}) {
+        EXPECT_EQ(bed.table().insert(params), 2u);
+        EXPECT_EQ(bed.table().update(params), 2u);
+        EXPECT_EQ(bed.table().remove(params), 2u);
+        EXPECT_EQ(bed.table().get(params), 2u);
+    }
+}
+
+TEST(FlowCalls, LeaveTheCallersRecordAndAMissedEntryAlone) {
+    flow_bed bed({64, 32});
+    bed.insert(1, 5);
+    for (const uint64_t number : {1u, 2u}) {
+        flow_hash_entry_t entry = entry_of(number, 99);
+        const flow_hash_entry_t before = entry;
+        sdk_table_api_params_t call = {};
+        call.entry = &entry;
+        EXPECT_EQ(bed.table().get(&call), number == 1 ? 0u : 4u);
+        EXPECT_FALSE(call.hash_valid);
+        EXPECT_EQ(call.hash_value, 0u);
+        if (number == 2) {
+            EXPECT_EQ(std::memcmp(entry.body(), before.body(), 128), 0);
+            EXPECT_EQ(entry.valid, 0u);
+        }
+    }
+}
+
+TEST(FlowCalls, TakeAHashThatTheCallerKnows) {
+    flow_bed bed({64, 32});
+    bed.insert(1, 5);
+    flow_hash_entry_t entry = entry_of(1);
+    sdk_table_api_params_t call = {};
+    call.entry = &entry;
+    call.hash_valid = true;
+    call.hash_value = hash_of(1);
+    EXPECT_EQ(bed.table().get(&call), 0u);
+    call.hash_value = ~call.hash_value;  // another row
+    EXPECT_EQ(bed.table().get(&call), 4u);
+}
+
+// The caller's hints are nobody's business but the engine's; the more flag is kept, and leads
+// nowhere.
+TEST(FlowCalls, DoNotTakeTheCallersHints) {
+    flow_bed bed({64, 32});
+    flow_hash_entry_t entry = entry_of(1, 5);
+    for (uint32_t slot = 1; slot <= 9; ++slot) entry.set_hint_hash(slot, 7, hash_of(2) & 0x3ff);
+    sdk_table_api_params_t call = {};
+    call.entry = &entry;
+    ASSERT_EQ(bed.table().insert(&call), 0u);
+    flow_hash_entry_t found = entry_of(1);
+    call.entry = &found;
+    ASSERT_EQ(bed.table().get(&call), 0u);
+    for (uint32_t slot = 1; slot <= 9; ++slot) {
+        uint32_t hint = 1, hash = 1;
+        found.get_hint_hash(slot, hint, hash);
+        EXPECT_EQ(hint, 0u) << slot;
+        EXPECT_EQ(hash, slot == 9 ? 1u : 0u) << slot;
+    }
+    EXPECT_EQ(bed.seen_by_hardware(2), -1);
+}
+
+TEST(FlowCalls, TheRowEqualsWhatTheLibraryPacks) {
+    std::mt19937_64 random(5);
+    for (unsigned round = 0; round < 200; ++round) {
+        std::array<uint8_t, 77> key;
+        std::array<uint8_t, 59> data = {};
+        for (uint8_t &byte : key) byte = static_cast<uint8_t>(random());
+        // flow_idx, no hints, the more flag, the valid bit.
+        for (uint32_t i = 1; i <= 4; ++i) data[i] = static_cast<uint8_t>(random());
+        data[53] = 1;
+        data[58] = 1;
+
+        auto packed = host::adapter::anonymous({64, 32});
+        {
+            host::scoped_current use(*packed);
+            ASSERT_EQ(p4pd_entry_install(flow, 3, key.data(), nullptr, data.data()), 0);
+        }
+        const uint8_t *expected = packed->hbm_rows(flow) + 3 * 128;
+
+        flow_bed bed({64, 32});
+        flow_hash_entry_t entry;
+        std::reverse_copy(expected, expected + 128, entry.body());
+        entry.set_entry_valid(0);
+        sdk_table_api_params_t call = {};
+        call.entry = &entry;
+        ASSERT_EQ(bed.table().insert(&call), 0u);
+        const memory_image memories = bed.memories();
+        ASSERT_EQ(memories.size(), 1u);
+        EXPECT_EQ(memories.begin()->first.first, flow);
+        EXPECT_EQ(std::memcmp(memories.begin()->second.data(), expected, 128), 0);
+    }
+}
+
+// --- Full
+// ------------------------------------------------------------------------------------------
+
+TEST(FlowFull, RefusesWithACodeAndChangesNothing) {
+    for (const host::adapter_options depths :
+         {host::adapter_options{64, 32}, {8, 64}, {1, 16}, {16, 1}, {1, 1}}) {
+        SCOPED_TRACE(std::to_string(depths.flow_rows) + " and " +
+                     std::to_string(depths.flow_ohash_rows));
+        flow_bed bed(depths);
+        const std::vector<uint64_t> numbers = numbers_up_to(400);
+        unsigned refused = 0;
+        for (const uint64_t number : numbers) {
+            const memory_image before = bed.memories();
+            const sdk_ret_t result = bed.insert(number, 77);
+            if (result == SDK_RET_OK) continue;
+            ++refused;
+            ASSERT_EQ(result, 6u);
+            ASSERT_EQ(bed.memories(), before);
+        }
+        EXPECT_GT(refused, 0u);
+        bed.expect_exactly_the_flows(numbers);
+        if (HasFatalFailure()) return;
+        // All overflow rows but row 0 are in use, and with this many keys all main rows.
+        EXPECT_EQ(bed.flows.size(), depths.flow_rows + depths.flow_ohash_rows - 1);
+    }
+}
+
+// Behind one slot stand eight entries at most.
+TEST(FlowFull, AChainOfOneHashTakesEightMoreThanItsMainRow) {
+    flow_bed bed({1, 256});
+    const std::vector<uint64_t> numbers = numbers_with_hash(0x3ff, 0x155, 12);
+    for (size_t i = 0; i < 9; ++i) ASSERT_EQ(bed.insert(numbers[i], 1), 0u) << i;
+    const memory_image full = bed.memories();
+    for (size_t i = 9; i < 12; ++i) EXPECT_EQ(bed.insert(numbers[i], 1), 6u) << i;
+    EXPECT_EQ(bed.memories(), full);
+    bed.expect_exactly_the_flows(numbers);
+    // Room for one again, and for other hashes all the time.
+    EXPECT_EQ(bed.remove(numbers[4]), 0u);
+    EXPECT_EQ(bed.insert(numbers[11], 1), 0u);
+    EXPECT_EQ(bed.insert(numbers[10], 1), 6u);
+    const uint64_t other = numbers_with_hash(0x3ff, 0x154, 1)[0];
+    EXPECT_EQ(bed.insert(other, 1), 0u);
+    bed.expect_exactly_the_flows(numbers);
+}
+
+// A bucket ends after eight more slots: nine rows with eight slots each, all of different hashes.
+TEST(FlowFull, ABucketTakesEightContinuations) {
+    flow_bed bed({1, 1024});
+    std::vector<uint64_t> numbers;
+    for (uint32_t hash = 0; hash < 100; ++hash)
+        numbers.push_back(numbers_with_hash(0x3ff, hash, 1)[0]);
+    for (size_t i = 0; i < 81; ++i) ASSERT_EQ(bed.insert(numbers[i], 1), 0u) << i;
+    const memory_image full = bed.memories();
+    for (size_t i = 81; i < 100; ++i) EXPECT_EQ(bed.insert(numbers[i], 1), 6u) << i;
+    EXPECT_EQ(bed.memories(), full);
+    bed.expect_exactly_the_flows(numbers);
+    const auto figures = ftl_access::statistics(bed.table());
+    EXPECT_EQ(figures.main_used, 1u);
+    EXPECT_EQ(figures.overflow_used, 80u);
+    EXPECT_EQ(figures.longest_path, 9u);
+    EXPECT_EQ(figures.path_lengths[0], 1u);
+    for (size_t i = 1; i <= 8; ++i) EXPECT_EQ(figures.path_lengths[i], i == 1 ? 9u : 9u) << i;
+    EXPECT_EQ(figures.path_lengths[9], 8u);
+}
+
+TEST(FlowFull, RandomKeysFillNinetyFivePercentOfTheMainTable) {
+    flow_bed bed({65536, 32768});
+    for (uint64_t number = 0; number < 62260; ++number)
+        ASSERT_EQ(bed.insert(number, static_cast<uint32_t>(number)), 0u) << number;
+    for (uint64_t number = 0; number < 62260; ++number) {
+        uint32_t flow_idx = 0;
+        ASSERT_EQ(bed.get(number, &flow_idx), 0u) << number;
+        ASSERT_EQ(flow_idx, number);
+    }
+    for (uint64_t number = 62260; number < 124520; ++number) ASSERT_EQ(bed.get(number), 4u);
+}
+
+// --- Removal from chains
+// ---------------------------------------------------------------------------
+
+class FlowChain : public testing::TestWithParam<uint32_t> {};
+
+// Chains of one hash (mask 0x3ff), trees of several hashes (0x3f0) and long more chains (0): every
+// flow is removed once, with all others in place, and comes again.
+TEST_P(FlowChain, AnyFlowCanBeRemovedAndComeAgain) {
+    const std::vector<uint64_t> numbers = numbers_with_hash(GetParam(), 0, 9);
+    std::vector<uint64_t> more = numbers_with_hash(GetParam(), GetParam() & 1u, 40);
+    if (GetParam() == 0x3ff) more = numbers;
+    for (const uint64_t removed : more) {
+        flow_bed bed({1, 128});
+        for (const uint64_t number : more) ASSERT_EQ(bed.insert(number, 3), 0u);
+        ASSERT_EQ(bed.remove(removed), 0u);
+        bed.expect_exactly_the_flows(more);
+        if (HasFatalFailure()) return;
+        ASSERT_EQ(bed.insert(removed, 4), 0u);
+        bed.expect_exactly_the_flows(more);
+        if (HasFatalFailure()) return;
+        for (const uint64_t number : more) ASSERT_EQ(bed.remove(number), 0u);
+        ASSERT_EQ(bed.memories(), memory_image());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(HashMasks, FlowChain, testing::Values(0x3ffu, 0x3f0u, 0u));
+
+// --- Set-up
+// ----------------------------------------------------------------------------------------
+
+TEST(FlowSetUp, AFailingAllocationGivesNoTable) {
+    auto adapter = host::adapter::anonymous({64, 32});
+    host::scoped_current use(*adapter);
+    for (uint32_t passed = 0; passed < 3; ++passed) {
+        adapter->faults().inject(
+            {.call = host::asic_call::allocate, .table = flow, .skip = passed});
+        sdk::table::sdk_table_factory_params_t params = {};
+        EXPECT_EQ(flow_hash::factory(&params), nullptr) << passed;
+        adapter->faults().clear();
+    }
+    sdk::table::sdk_table_factory_params_t params = {};
+    flow_hash *table = flow_hash::factory(&params);
+    ASSERT_NE(table, nullptr);
+    EXPECT_EQ(params.table_id, 2u);
+    EXPECT_EQ(params.num_hints, 8u);
+    EXPECT_EQ(params.max_chain, 8u);
+    flow_hash::destroy(table);
+}
+
+TEST(FlowSetUp, OnlyTheFlowTableHasAFlowEngine) {
+    auto adapter = host::adapter::anonymous({64, 32});
+    host::scoped_current use(*adapter);
+    for (const uint32_t id : {1u, 3u, 48u}) {
+        sdk::table::sdk_table_factory_params_t params = {};
+        params.table_id = id;
+        EXPECT_EQ(flow_hash::factory(&params), nullptr) << id;
+    }
+}
+
+TEST(FlowSetUp, TablesOnTwoAdaptersStandSideBySide) {
+    flow_bed one({16, 16});
+    flow_bed two({16, 16});
+    for (uint64_t number = 0; number < 20; ++number) ASSERT_EQ(one.insert(number, 1), 0u);
+    for (uint64_t number = 10; number < 30; ++number) ASSERT_EQ(two.insert(number, 2), 0u);
+    one.expect_exactly_the_flows(numbers_up_to(30));
+    two.expect_exactly_the_flows(numbers_up_to(30));
+}
+
+// Memory from the engine is zero, whichever pages it comes from.
+TEST(FlowSetUp, MemoryIsZero) {
+    flow_bed bed({64, 32});
+    for (const bool huge : {false, true}) {
+        auto *memory = static_cast<uint8_t *>(bed.table().ftl_calloc(flow, 1 << 22, huge));
+        ASSERT_NE(memory, nullptr);
+        EXPECT_TRUE(std::all_of(memory, memory + (1 << 22), [](uint8_t b) { return b == 0; }));
+        std::memset(memory, 1, 1 << 22);
+        bed.table().ftl_free(flow, memory, huge, 1 << 22);
+    }
+}
+
+}  // namespace
