@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "host/view/lookup.h"
 #include "p4pd.h"
 #include "sdk/p4pd_utils.h"
 #include "tools/haldenctl/failure.h"
@@ -74,6 +75,36 @@ void check_row(host::adapter &adapter, const table &t, uint32_t row) {
     if (row >= rows)
         throw failure("index " + std::to_string(row) + " is beyond " + std::to_string(rows - 1) +
                       "; allowed: 0 to " + std::to_string(rows - 1));
+}
+
+namespace {
+
+bool same_key(const records &a, const records &b) {
+    for (size_t n = 0; n < a.of->key.size(); ++n) {
+        const wide ones = all_ones(a.of->key[n].bits);
+        const wide mask = a.mask_value(n) & ones;
+        if (mask != (b.mask_value(n) & ones)) return false;
+        if ((a.key_value(n) & mask) != (b.key_value(n) & mask)) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+std::optional<found_row> row_of(host::adapter &adapter, records &wanted) {
+    const table &t = *wanted.of;
+    if (is_hash(t.kind) && t.id != host::flow_ohash_table) {
+        const key_images images = images_of(wanted);
+        const auto found = host::view::lookup(adapter, t.id, images.key.data());
+        if (!found.hit) return std::nullopt;
+        return found_row{find_table(found.table), found.row};
+    }
+    for (uint32_t row = adapter.next_used(t.id, 0); row < adapter.depth(t.id);
+         row = adapter.next_used(t.id, row + 1)) {
+        const auto entry = read_back(adapter, t, row);
+        if (entry && same_key(*entry, wanted)) return found_row{&t, row};
+    }
+    return std::nullopt;
 }
 
 std::string place_of(const table &t, uint32_t row) {

@@ -41,6 +41,13 @@ std::optional<records> read_back(host::adapter &adapter, const pipeline::table &
 // Throws failure when the table has no such row.
 void check_row(host::adapter &adapter, const pipeline::table &t, uint32_t row);
 
+// The row whose entry has this very key, mask included: of the table or of its overflow.
+struct found_row {
+    const pipeline::table *of;
+    uint32_t row;
+};
+std::optional<found_row> row_of(host::adapter &adapter, records &wanted);
+
 // "SRAM row 5", "TCAM row 3, SRAM row 4099 of vlan_mapping": where an entry of that row stands.
 std::string place_of(const pipeline::table &t, uint32_t row);
 

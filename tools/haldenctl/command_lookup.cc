@@ -8,6 +8,7 @@
 #include "host/view/row_hash.h"
 #include "p4gen/halden/pipeline/words.h"
 #include "tools/haldenctl/adapter_view.h"
+#include "tools/haldenctl/arguments.h"
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/entry_text.h"
 #include "tools/haldenctl/naming.h"

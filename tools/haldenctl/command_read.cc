@@ -3,10 +3,10 @@
 #include <charconv>
 #include <iostream>
 
-#include "host/view/row_hash.h"
 #include "p4gen/halden/pipeline/words.h"
 #include "p4pd.h"
 #include "tools/haldenctl/adapter_view.h"
+#include "tools/haldenctl/arguments.h"
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/drawing.h"
 #include "tools/haldenctl/entry_file.h"
@@ -14,6 +14,7 @@
 #include "tools/haldenctl/naming.h"
 #include "tools/haldenctl/raw_entry.h"
 #include "tools/haldenctl/screen.h"
+#include "tools/haldenctl/table_calls.h"
 
 namespace halden::tool {
 
@@ -24,58 +25,11 @@ namespace {
 // Longer than any table's text: a byte of an array takes up to six characters.
 constexpr size_t text_bytes = 16384;
 
-bool same_key(const records &a, const records &b) {
-    for (size_t n = 0; n < a.of->key.size(); ++n) {
-        const wide ones = all_ones(a.of->key[n].bits);
-        const wide mask = a.mask_value(n) & ones;
-        if (mask != (b.mask_value(n) & ones)) return false;
-        if ((a.key_value(n) & mask) != (b.key_value(n) & mask)) return false;
-    }
-    return true;
-}
-
-uint32_t index_from_fields(const table &t, const std::vector<std::string> &given) {
-    std::vector<wide> values(t.index.size());
-    for (const std::string &argument : given) {
-        const size_t equals = std::min(argument.find('='), argument.size());
-        const size_t n = field_named(t.index, argument.substr(0, equals), "index field");
-        try {
-            values[n] = parse_value(argument.substr(std::min(equals + 1, argument.size())),
-                                    t.index[n].bits);
-        } catch (const failure &error) {
-            throw error.inside(std::string(t.index[n].name));
-        }
-    }
-    uint32_t row = 0;
-    for (size_t n = 0; n < values.size(); ++n)
-        row = row << t.index[n].bits | static_cast<uint32_t>(values[n]);
-    return row;
-}
-
-struct found_row {
-    const table *of;
-    uint32_t row;
-};
-
-// The row whose entry has this very key, mask included.
 found_row row_of_key(host::adapter &adapter, const table &t,
                      const std::vector<std::string> &given) {
     records wanted(t);
     set_key_fields(wanted, given);
-    if (is_hash(t.kind)) {
-        const key_images images = images_of(wanted);
-        const uint32_t row = host::view::hash_row(t.id, images.key.data(), adapter.depth(t.id));
-        if (const auto entry = read_back(adapter, t, row); entry && same_key(*entry, wanted))
-            return {&t, row};
-    }
-    const table &searched = t.kind == kind::hash_sram ? *overflow_of(t) : t;
-    if (has_mask(searched.kind)) {
-        for (uint32_t row = adapter.next_used(searched.id, 0); row < adapter.depth(searched.id);
-             row = adapter.next_used(searched.id, row + 1)) {
-            const auto entry = read_back(adapter, searched, row);
-            if (entry && same_key(*entry, wanted)) return {&searched, row};
-        }
-    }
+    if (const auto found = row_of(adapter, wanted)) return *found;
     throw failure(std::string(t.name) + ": no entry has the key " + key_line(wanted) +
                   "; `haldenctl lookup` says what a packet would hit");
 }
@@ -98,7 +52,7 @@ found_row row_named(host::adapter &adapter, const table &t, const std::vector<st
             return {&t, row};
         }
         if (!is_keyed(t.kind)) {
-            const uint32_t row = index_from_fields(t, given);
+            const uint32_t row = index_from_arguments(t, given);
             check_row(adapter, t, row);
             return {&t, row};
         }
@@ -144,15 +98,26 @@ struct read_options {
     bool as_json = false, raw = false;
 };
 
-void read(const opened_adapter &adapter, const read_options &wanted) {
-    const auto [t, row] = row_named(*adapter, table_named(wanted.table), wanted.where);
-    auto entry = read_back(*adapter, *t, row);
+// Asks the table API as well, where it serves the table: the entry a caller of it would get.
+void read(opened_tables &tables, const read_options &wanted) {
+    host::adapter &adapter = *tables;
+    const auto [t, row] = row_named(adapter, table_named(wanted.table), wanted.where);
+    auto entry = read_back(adapter, *t, row);
     if (!entry) throw failure(std::string(t->name) + ": row " + std::to_string(row) + " is empty");
+    if (has_engine(*t) && !wanted.raw) {
+        records same = *entry;
+        const tev_tbl_ret_t result = read_entry(same, row);
+        if (result != TEV_TBL_RET_OK)
+            throw failure(std::string(t->name) + ": row " + std::to_string(row) +
+                          " is in use, and the engine does not find its entry (result " +
+                          name_of(result) + "); `read --raw` shows the row as it is");
+        entry->data = same.data;
+    }
     if (wanted.as_json)
         std::cout << to_json(*entry, row).dump(2) << "\n";
     else
         std::cout << decoded(*entry, row);
-    if (wanted.raw) print_raw(*t, *stored_at(*adapter, *t, row));
+    if (wanted.raw) print_raw(*t, *stored_at(adapter, *t, row));
 }
 
 // --- dump ----------------------------------------------------------------------------------------
@@ -211,7 +176,10 @@ void add_read(CLI::App &app, const options &given) {
                         "The row; or the entry's key, mask included");
     command->add_flag("--json", wanted->as_json, "As JSON that `write` takes");
     command->add_flag("--raw", wanted->raw, "With its images and the fields of their bits");
-    command->callback([&given, wanted] { read(opened_adapter(given.adapter), *wanted); });
+    command->callback([&given, wanted] {
+        opened_tables tables(given.adapter);
+        read(tables, *wanted);
+    });
 }
 
 void add_dump(CLI::App &app, const options &given) {

@@ -78,7 +78,7 @@ void install(host::adapter &adapter, const placed &p) {
                                                    entry.mask_pointer(), entry.data.data());
     const auto stored = stored_at(adapter, t, p.row);
     if (result != P4PD_SUCCESS || (!stored && row_bits(t) != 0))
-        throw failure("the adapter did not take it");
+        throw failure("the adapter did not take it; --log-level error says why");
 }
 
 // A flow's valid bit, the last of its fields.

@@ -1,6 +1,5 @@
 #include "tools/haldenctl/entry_text.h"
 
-#include "tools/haldenctl/naming.h"
 #include "tools/haldenctl/screen.h"
 
 namespace halden::tool {
@@ -20,24 +19,6 @@ std::string key_word(const records &entry, size_t n) {
     const wide mask = mask_of(entry, n);
     if (mask == all_ones(f.bits)) return shown(entry.key_value(n), f.name, f.bits);
     return masked_word_of(entry.key_value(n), mask, f.name, f.bits);
-}
-
-// The whole name, or what stands behind one of its underscores.
-bool names(std::string_view field, std::string_view given) {
-    return field == given || (field.size() > given.size() + 1 && field.ends_with(given) &&
-                              field[field.size() - given.size() - 1] == '_');
-}
-
-size_t key_field_of(const table &t, std::string_view given) {
-    size_t found = t.key.size(), hits = 0;
-    for (size_t n = 0; n < t.key.size(); ++n) {
-        if (t.key[n].name == given) return n;
-        if (names(t.key[n].name, given)) {
-            found = n;
-            ++hits;
-        }
-    }
-    return hits == 1 ? found : field_named(t.key, given, "key field");
 }
 
 }  // namespace
@@ -82,30 +63,6 @@ std::string entry_text(const records &entry, unsigned indent) {
         out.row({"action", "", "none with id " + std::to_string(entry.action_id())}, colour::bad);
     }
     return out.text(indent);
-}
-
-void set_key_fields(records &entry, const std::vector<std::string> &given) {
-    std::vector<bool> seen(entry.of->key.size());
-    for (const std::string &argument : given) {
-        const size_t equals = argument.find('=');
-        if (equals == argument.npos || equals == 0)
-            throw failure("'" + argument + "' is no field; allowed: FIELD=VALUE, as " +
-                          std::string(entry.of->key.empty() ? "vlan_id" : entry.of->key[0].name) +
-                          "=1");
-        const size_t n = key_field_of(*entry.of, argument.substr(0, equals));
-        const key_field &f = entry.of->key[n];
-        if (seen[n]) throw failure(std::string(f.name) + " is given twice");
-        seen[n] = true;
-        const std::string value = argument.substr(equals + 1);
-        try {
-            const written_value v = ternary(entry)
-                                        ? parse_masked(value, f.bits)
-                                        : written_value{parse_value(value, f.bits), 0, false};
-            entry.set_key(n, v.value, v.mask);
-        } catch (const failure &error) {
-            throw error.inside(std::string(f.name));
-        }
-    }
 }
 
 }  // namespace halden::tool

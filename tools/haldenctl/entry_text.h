@@ -1,9 +1,8 @@
 #pragma once
 
-// An entry as fields and values on the screen, and fields from the command line.
+// An entry as fields and values on the screen.
 
 #include <string>
-#include <vector>
 
 #include "tools/haldenctl/record.h"
 
@@ -16,10 +15,5 @@ std::string data_line(const records &entry);
 
 // Columns of every field, key first, each with its value.
 std::string entry_text(const records &entry, unsigned indent);
-
-// "field=value" arguments of key fields, into `entry`; the last part of a name is enough where only
-// one field has it ("sip" for metadata_flow_key_sip). Throws failure. A field that is not given
-// keeps its value.
-void set_key_fields(records &entry, const std::vector<std::string> &given);
 
 }  // namespace halden::tool

@@ -3,7 +3,7 @@
 // Exit status: 0 done; 1 the input or the adapter would not have it, one line on standard error; 2
 // the command line was not understood.
 
-#include <cstdio>
+#include <cstdlib>
 #include <iostream>
 
 #include "host/trace/trace.h"
@@ -50,14 +50,18 @@ int main(int argc, char **argv) {
         ->check(CLI::IsMember({"auto", "always", "never"}))
         ->type_name("WHEN")
         ->capture_default_str();
-    app.add_option("--log-level", level,
-                   "Messages from this level on: trace, debug, info, warning, error, critical, off")
+    app.add_option(
+           "--log-level", level,
+           "Messages of library and adapter from this level on: trace, debug, info, warning, "
+           "error, critical (the default), off")
         ->type_name("LEVEL");
     app.add_option("--log-file", log_file, "Messages go to this file instead of standard error")
         ->type_name("FILE");
     // Runs when the options are known, before the command does.
     app.parse_complete_callback([&] {
         tool::use_colours(colours);
+        // The tool's own errors say what went wrong; the library's and the adapter's say where.
+        if (level.empty() && std::getenv("HALDEN_LOG_LEVEL") == nullptr) level = "critical";
         if (!level.empty() && !host::trace::set_level(level))
             throw tool::failure("--log-level: '" + level +
                                 "' is no level; allowed: trace, debug, info, warning, error, "
@@ -73,6 +77,9 @@ int main(int argc, char **argv) {
     tool::add_read(app, given);
     tool::add_dump(app, given);
     tool::add_lookup(app, given);
+    tool::add_entry_commands(app, given);
+    tool::add_apply(app, given);
+    tool::add_stats(app, given);
     tool::add_decode(app, given);
     tool::add_explain(app, given);
 

@@ -54,8 +54,8 @@ run lookup tunnel_terminate_v4 vxlan_1_valid=1 ipv4_1_valid=1 ipv4_1_dstAddr=198
 run lookup vlan_mapping vlan_id=101 l2seg=1
 
 title "Next"
-cat <<'NEXT'
-  build/release/tools/haldenctl/haldenctl tables               the 48 tables
-  build/release/tools/haldenctl/haldenctl describe lif_mapping one of them, drawn
-  docs/tables/README.md                                        the same as pages
+cat <<NEXT
+  $1 tables                the 48 tables
+  $1 describe lif_mapping  one of them, drawn
+  docs/tables/README.md    the same as pages
 NEXT

@@ -1,0 +1,43 @@
+#pragma once
+
+// The table API by table, for entries that are known at run time only.
+
+#include <string>
+
+#include "host/state/table_state.h"
+#include "tev_tbl_ret.h"
+#include "tools/haldenctl/adapter_view.h"
+#include "tools/haldenctl/record.h"
+
+namespace halden::tool {
+
+// An adapter with the engines of its tables.
+class opened_tables {
+  public:
+    explicit opened_tables(const std::string &directory) : adapter_(directory), state_(*adapter_) {}
+    host::adapter &operator*() const { return *adapter_; }
+    const opened_adapter &adapter() const { return adapter_; }
+    api::impl::tev_tbl_impl_state &tables() { return state_.tables(); }
+
+  private:
+    opened_adapter adapter_;
+    host::table_state state_;
+};
+
+// Whether the table API serves it: overflow and keyless tables have no engine of their own.
+bool has_engine(const pipeline::table &t);
+// Throws failure for tables without, with what to use instead.
+void check_engine(const pipeline::table &t);
+
+// One call each. `index` is an index table's row and not looked at for others.
+tev_tbl_ret_t create_entry(const records &entry, uint32_t index);
+tev_tbl_ret_t update_entry(const records &entry, uint32_t index);
+tev_tbl_ret_t delete_entry(const records &entry, uint32_t index);
+tev_tbl_ret_t find_entry(const records &entry, uint32_t index);
+// Fills the entry's data.
+tev_tbl_ret_t read_entry(records &entry, uint32_t index);
+
+// "9, write refused by the engine"
+std::string name_of(tev_tbl_ret_t result);
+
+}  // namespace halden::tool
