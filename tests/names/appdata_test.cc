@@ -25,7 +25,7 @@ constexpr uint32_t flow_tables[] = {1, 2};
 constexpr uint32_t other_tables[] = {0, 3, 7, 16, 21, 41, 48, 49, UINT32_MAX};
 constexpr size_t record_bytes = 59;
 
-// Every byte different, at an odd address as in a spec.
+// Every byte different, at an odd address, where a record behind an action id may stand.
 class odd_record {
   public:
     odd_record() {
