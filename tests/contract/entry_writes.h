@@ -9,6 +9,7 @@
 #include "gtest/gtest.h"
 #include "p4pd.h"
 #include "tests/contract/expect_calls.h"
+#include "tests/contract/named.h"
 #include "tests/support/recording_host.h"
 
 namespace halden::test {
@@ -80,10 +81,5 @@ inline std::string text(entry_point way, unsigned action, bool flag) {
     return name_of(way) + ", action " + std::to_string(action) + ", flag " +
            (flag ? "true" : "false");
 }
-
-// Test names of parameters that are tables.
-inline constexpr auto table_name = [](const auto &tested) {
-    return std::string(tested.param.name);
-};
 
 }  // namespace halden::test

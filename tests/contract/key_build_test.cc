@@ -6,6 +6,7 @@
 #include <array>
 
 #include "p4pd.h"
+#include "tests/contract/named.h"
 #include "tests/support/recording_host.h"
 
 namespace halden::test {
@@ -61,8 +62,6 @@ class KeyBuildBase : public testing::Test {
 
 class KeyBuild : public KeyBuildBase, public testing::WithParamInterface<key_table> {};
 
-constexpr auto key_name = [](const auto &tested) { return std::string(tested.param.name); };
-
 // Records and images of exactly the key's size will do: the recording host touches what it copies.
 TEST_P(KeyBuild, NeedsNoMoreThanItsRecordsAndImages) {
     const key_table &t = GetParam();
@@ -78,8 +77,8 @@ TEST_P(KeyBuild, NeedsNoMoreThanItsRecordsAndImages) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Exact, KeyBuild, testing::ValuesIn(hash_keys), key_name);
-INSTANTIATE_TEST_SUITE_P(Ternary, KeyBuild, testing::ValuesIn(ternary_keys), key_name);
+INSTANTIATE_TEST_SUITE_P(Exact, KeyBuild, testing::ValuesIn(hash_keys), table_name);
+INSTANTIATE_TEST_SUITE_P(Ternary, KeyBuild, testing::ValuesIn(ternary_keys), table_name);
 
 // --- Exact keys ----------------------------------------------------------------------------------
 
@@ -98,7 +97,7 @@ TEST_P(ExactKey, MakesExactlyTheseCalls) {
     EXPECT_TRUE(key_calls_are(GetParam().id, {software_key_.data() + 1}));
 }
 
-INSTANTIATE_TEST_SUITE_P(Tables, ExactKey, testing::ValuesIn(hash_keys), key_name);
+INSTANTIATE_TEST_SUITE_P(Tables, ExactKey, testing::ValuesIn(hash_keys), table_name);
 
 // --- Ternary keys --------------------------------------------------------------------------------
 
@@ -155,7 +154,7 @@ TEST_P(TernaryKey, AMatchedBitIsSetInOneImage) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Tables, TernaryKey, testing::ValuesIn(ternary_keys), key_name);
+INSTANTIATE_TEST_SUITE_P(Tables, TernaryKey, testing::ValuesIn(ternary_keys), table_name);
 
 // --- Cases of their own --------------------------------------------------------------------------
 

@@ -8,7 +8,9 @@
 
 #include "gtest/gtest.h"
 #include "p4pd.h"
+#include "tests/contract/named.h"
 
+namespace halden::test {
 namespace {
 
 constexpr uint64_t no_row = ~uint64_t{0};
@@ -116,8 +118,7 @@ TEST_P(RowIndex, TheRecordIsLeftAlone) {
     EXPECT_EQ(record, std::vector<uint8_t>(GetParam().bytes, 0x5a));
 }
 
-INSTANTIATE_TEST_SUITE_P(Tables, RowIndex, testing::ValuesIn(records),
-                         [](const auto &tested) { return std::string(tested.param.name); });
+INSTANTIATE_TEST_SUITE_P(Tables, RowIndex, testing::ValuesIn(records), table_name);
 
 TEST(RowIndexCases, LifMappingWithKey0x0fffIsRow2047) {
     uint16_t key = 0x0fff;
@@ -154,3 +155,4 @@ TEST(RowIndexCases, IdsOutside16To40HaveNoRow) {
 }
 
 }  // namespace
+}  // namespace halden::test

@@ -67,7 +67,7 @@ using Install = SoftwareKey;
 // data mask. Ids 33 to 48 are written although their key build fails.
 TEST_P(Install, MakesExactlyTheseCalls) {
     for (uint8_t action : action_ids(sizes_of(id()).actions)) {
-        SCOPED_TRACE(action);
+        SCOPED_TRACE(unsigned{action});
         begin_with_key(action);
         expect_zero_images(6144);
         EXPECT_EQ(p4pd_entry_install(id(), written_row, key(), mask(), record_.data()), 0);
