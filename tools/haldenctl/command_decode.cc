@@ -49,15 +49,18 @@ raw_entry raw_of(const table &t, const raw_options &wanted) {
 }
 
 std::string decoded(const table &t, const raw_entry &raw, uint32_t index) {
-    // The decoder undoes the swizzling of TCAM tables itself, and takes other rows as images.
+    // The decoder undoes the swizzling of TCAM tables itself, over the bytes of its length, and
+    // takes other rows as images.
     std::vector<uint8_t> entry = raw.entry, y = raw.y;
+    uint16_t bits = raw.bits;
     if (has_mask(t.kind)) {
+        bits = static_cast<uint16_t>((bits + 15) / 16 * 16);
         entry = as_stored(t, entry, raw.bits);
         if (!y.empty()) y = as_stored(t, y, raw.bits);
     }
     std::string text(text_bytes, '\0');
     p4pd_table_entry_decoded_string_get(t.id, index, entry.data(), y.empty() ? nullptr : y.data(),
-                                        raw.bits, text.data(), static_cast<uint16_t>(text.size()));
+                                        bits, text.data(), static_cast<uint16_t>(text.size()));
     text.resize(text.find('\0'));
     return text;
 }

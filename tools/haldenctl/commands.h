@@ -18,6 +18,7 @@ void add_write(CLI::App &app, const options &given);
 void add_entry_commands(CLI::App &app, const options &given);  // create, update, delete, find
 void add_apply(CLI::App &app, const options &given);
 void add_stats(CLI::App &app, const options &given);
+void add_flows(CLI::App &app, const options &given);
 void add_lookup(CLI::App &app, const options &given);
 void add_read(CLI::App &app, const options &given);
 void add_dump(CLI::App &app, const options &given);

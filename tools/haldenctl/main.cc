@@ -80,6 +80,7 @@ int main(int argc, char **argv) {
     tool::add_entry_commands(app, given);
     tool::add_apply(app, given);
     tool::add_stats(app, given);
+    tool::add_flows(app, given);
     tool::add_decode(app, given);
     tool::add_explain(app, given);
 

@@ -53,6 +53,14 @@ title "Why a lookup misses"
 run lookup tunnel_terminate_v4 vxlan_1_valid=1 ipv4_1_valid=1 ipv4_1_dstAddr=198.51.101.7
 run lookup vlan_mapping vlan_id=101 l2seg=1
 
+title "Flows of real-looking traffic"
+run flows generate 20000 "$work/traffic.pcap"
+run flows import "$work/traffic.pcap"
+run flows list --top 8
+run flows find --proto tcp --src 192.0.2.8 --dst 10.1.1.71 --sport 5432 --dport 45847
+run flows stats
+run stats
+
 title "Next"
 cat <<NEXT
   $1 tables                the 48 tables

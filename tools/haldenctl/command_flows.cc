@@ -1,0 +1,340 @@
+// haldenctl flows: the flows of captures in the flow table.
+
+#include <arpa/inet.h>
+
+#include <algorithm>
+#include <iostream>
+#include <unordered_map>
+
+#include "host/engines/flow/ftl_access.h"
+#include "host/view/lookup.h"
+#include "p4pd.h"
+#include "tools/haldenctl/commands.h"
+#include "tools/haldenctl/entry_file.h"
+#include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/flow_filter.h"
+#include "tools/haldenctl/flow_store.h"
+#include "tools/haldenctl/screen.h"
+#include "tools/packets/capture.h"
+#include "tools/packets/traffic.h"
+
+namespace halden::tool {
+
+namespace {
+
+std::string counted(uint64_t n, const char *one, const char *many) {
+    return std::to_string(n) + " " + (n == 1 ? one : many);
+}
+
+// --- import --------------------------------------------------------------------------------------
+
+struct flow_hasher {
+    size_t operator()(const packets::flow &f) const {
+        const flow_swkey_t key = packets::key_of(f);
+        return std::hash<std::string_view>{}({reinterpret_cast<const char *>(&key), sizeof key});
+    }
+};
+
+struct seen_packets {
+    std::unordered_map<packets::flow, flow_counts, flow_hasher> flows;
+    std::vector<const packets::flow *> in_order;  // of their first packets
+    std::array<uint64_t, packets::verdicts> verdicts = {};
+    uint64_t packets = 0, bytes = 0;
+    uint64_t first = ~uint64_t{0}, last = 0;  // microseconds
+    std::string cut_short;
+};
+
+seen_packets read_packets(const std::string &path) {
+    seen_packets out;
+    const auto result = packets::read_capture(path, [&](const packets::captured &packet) {
+        ++out.packets;
+        out.bytes += packet.wire_length;
+        out.first = std::min(out.first, packet.microseconds);
+        out.last = std::max(out.last, packet.microseconds);
+        packets::flow f;
+        const packets::verdict verdict = packets::dissect(packet.bytes, packet.kind, f);
+        ++out.verdicts[static_cast<size_t>(verdict)];
+        if (verdict != packets::verdict::flow_found) return;
+        const auto [at, fresh] = out.flows.try_emplace(f);
+        if (fresh) out.in_order.push_back(&at->first);
+        ++at->second.packets;
+        at->second.bytes += packet.wire_length;
+        at->second.last_seen =
+            std::max(at->second.last_seen, static_cast<uint32_t>(packet.microseconds / 1000000));
+    });
+    out.cut_short = result.cut_short;
+    return out;
+}
+
+void print_packets(const std::string &path, const seen_packets &seen) {
+    std::cout << path << ": " << counted(seen.packets, "packet", "packets") << ", "
+              << counted(seen.bytes, "byte", "bytes");
+    if (seen.packets > 1) {
+        const uint64_t tenths = (seen.last - seen.first) / 100000;
+        std::cout << ", " << tenths / 10 << "." << tenths % 10 << " s";
+    }
+    std::cout << "\n";
+    const auto found = static_cast<size_t>(packets::verdict::flow_found);
+    const uint64_t unread = seen.packets - seen.verdicts[found];
+    if (unread == 0) return;
+    std::cout << "  " << counted(unread, "packet", "packets") << " without a flow:\n";
+    for (size_t v = 0; v < seen.verdicts.size(); ++v)
+        if (v != found && seen.verdicts[v] != 0)
+            std::cout << "    " << seen.verdicts[v] << "  "
+                      << packets::name_of(static_cast<packets::verdict>(v)) << "\n";
+}
+
+void import(opened_tables &tables, const std::string &path) {
+    seen_packets seen;
+    try {
+        seen = read_packets(path);
+    } catch (const std::exception &error) {
+        throw failure(error.what());
+    }
+    print_packets(path, seen);
+    if (!seen.cut_short.empty())
+        std::cerr << "haldenctl: " << path << ": the rest cannot be read: " << seen.cut_short
+                  << "\n";
+
+    flow_store store(tables);
+    uint64_t added = 0, known = 0;
+    for (const packets::flow *f : seen.in_order) {
+        switch (store.add(*f, seen.flows[*f])) {
+            case add_result::added:
+                ++added;
+                continue;
+            case add_result::counted:
+                ++known;
+                continue;
+            case add_result::no_info_row:
+                throw failure("flow_info has no free row for " + packets::flow_text(*f) + "; " +
+                              counted(added + known, "flow", "flows") + " of " +
+                              std::to_string(seen.in_order.size()) + " imported");
+            case add_result::refused:
+                throw failure("the flow table refused " + packets::flow_text(*f) + "; " +
+                              counted(added + known, "flow", "flows") + " of " +
+                              std::to_string(seen.in_order.size()) +
+                              " imported; --log-level error says why");
+        }
+    }
+    std::cout << "  " << counted(seen.in_order.size(), "flow", "flows") << ": " << added << " new, "
+              << known << " known\n"
+              << sdk::table::ftl_access::count(*tables.tables().flow_tbl())
+              << " flows in the flow table of " << tables.adapter().name() << "\n";
+}
+
+// --- list, find, delete --------------------------------------------------------------------------
+
+std::vector<stored_flow> matching(flow_store &store, const flow_filter &filter) {
+    std::vector<stored_flow> out;
+    store.for_each([&](const stored_flow &f) {
+        if (filter.matches(f.flow)) out.push_back(f);
+        return true;
+    });
+    return out;
+}
+
+json json_of(const stored_flow &f) {
+    return {{"flow", packets::flow_text(f.flow)},
+            {"flow_idx", f.index},
+            {"packets", f.counts.packets},
+            {"bytes", f.counts.bytes},
+            {"last_seen", f.counts.last_seen},
+            {"table", pipeline::find_table(f.table)->name},
+            {"row", f.row},
+            {"path", f.path}};
+}
+
+struct list_options {
+    flow_filter filter;
+    std::string by = "bytes";
+    size_t top = 0;
+    bool as_json = false;
+};
+
+void list(opened_tables &tables, const list_options &wanted) {
+    flow_store store(tables);
+    std::vector<stored_flow> flows = matching(store, wanted.filter);
+    const auto amount = [&](const stored_flow &f) {
+        return wanted.by == "packets" ? f.counts.packets : f.counts.bytes;
+    };
+    std::stable_sort(flows.begin(), flows.end(), [&](const stored_flow &a, const stored_flow &b) {
+        if (amount(a) != amount(b)) return amount(a) > amount(b);
+        return packets::flow_text(a.flow) < packets::flow_text(b.flow);
+    });
+    const size_t all = flows.size();
+    if (wanted.top != 0 && flows.size() > wanted.top) flows.resize(wanted.top);
+    if (wanted.as_json) {
+        json out = json::array();
+        for (const stored_flow &f : flows) out.push_back(json_of(f));
+        std::cout << out.dump(2) << "\n";
+        return;
+    }
+    columns shown({">PACKETS", ">BYTES", ">FLOW_IDX", "FLOW"});
+    for (const stored_flow &f : flows)
+        shown.row({std::to_string(f.counts.packets), std::to_string(f.counts.bytes),
+                   std::to_string(f.index), packets::flow_text(f.flow)});
+    if (!flows.empty()) std::cout << shown.text();
+    std::cout << counted(all, "flow", "flows")
+              << (all > flows.size() ? ", " + std::to_string(flows.size()) + " shown" : "") << "\n";
+}
+
+// The one flow with these very addresses and ports, by its packet's key.
+void find(opened_tables &tables, const flow_filter &filter) {
+    const packets::flow wanted = filter.whole_flow();
+    const flow_swkey_t key = packets::key_of(wanted);
+    uint8_t image[pipeline::wide_key_image_bytes] = {};
+    flow_swkey_t copy = key;
+    p4pd_hwkey_hwmask_build(host::flow_table, &copy, nullptr, image, nullptr);
+    const auto hit = host::view::lookup(*tables, host::flow_table, image);
+    if (!hit.hit)
+        throw failure("no flow " + packets::flow_text(wanted) +
+                      "; the VLAN and the VNI are part of a flow: --vlan, --vni");
+    flow_store store(tables);
+    store.for_each([&](const stored_flow &f) {
+        if (f.table != hit.table || f.row != hit.row) return true;
+        std::cout << packets::flow_text(f.flow) << "\n  flow_idx " << f.index << ", "
+                  << counted(f.counts.packets, "packet", "packets") << ", "
+                  << counted(f.counts.bytes, "byte", "bytes") << "\n  "
+                  << pipeline::find_table(f.table)->name << " "
+                  << place_of(*pipeline::find_table(f.table), f.row) << ", "
+                  << (f.path == 0 ? "where its hash leads"
+                                  : "reached over " + counted(f.path, "other row", "other rows"))
+                  << "\n";
+        return false;
+    });
+}
+
+void remove(opened_tables &tables, const flow_filter &filter, bool all) {
+    if (filter.empty() && !all)
+        throw CLI::ValidationError("flows delete", "a filter or --all is required");
+    flow_store store(tables);
+    const std::vector<stored_flow> flows = matching(store, filter);
+    if (flows.empty()) throw failure("no flow matches; `haldenctl flows list` shows them");
+    size_t done = 0;
+    for (const stored_flow &f : flows) {
+        if (!store.remove(f))
+            throw failure("the flow table refused to delete " + packets::flow_text(f.flow) + "; " +
+                          std::to_string(done) + " of " + std::to_string(flows.size()) +
+                          " deleted; --log-level error says why");
+        ++done;
+    }
+    std::cout << counted(done, "flow", "flows") << " deleted\n";
+}
+
+// --- stats ---------------------------------------------------------------------------------------
+
+std::string bar(uint64_t part, uint64_t most) {
+    constexpr uint64_t widest = 40;
+    if (part == 0 || most == 0) return {};
+    return std::string(std::max<uint64_t>(1, part * widest / most), '#');
+}
+
+void stats(opened_tables &tables) {
+    const auto s = sdk::table::ftl_access::statistics(*tables.tables().flow_tbl());
+    const auto line = [](const char *name, uint32_t used, uint32_t rows) {
+        char percent[16];
+        std::snprintf(percent, sizeof percent, "%.2f", 100.0 * used / rows);
+        std::cout << name << used << " of " << rows << " rows, " << percent << " %\n";
+    };
+    std::cout << counted(s.flows(), "flow", "flows") << "\n";
+    line("  main table  ", s.main_used, s.main_depth);
+    line("  overflow    ", s.overflow_used, s.overflow_depth);
+    if (s.flows() == 0) return;
+    std::cout << "\nrows in front of a flow on its way from its hash\n";
+    const uint32_t most = *std::max_element(s.path_lengths.begin(), s.path_lengths.end());
+    columns shown({">ROWS", ">FLOWS", ""});
+    for (size_t rows = 0; rows < s.path_lengths.size(); ++rows) {
+        if (s.path_lengths[rows] == 0) continue;
+        const bool rest = rows + 1 == s.path_lengths.size();
+        shown.row({std::to_string(rows) + (rest ? "+" : ""), std::to_string(s.path_lengths[rows]),
+                   bar(s.path_lengths[rows], most)});
+    }
+    std::cout << shown.text(2);
+}
+
+// --- generate ------------------------------------------------------------------------------------
+
+struct generate_options {
+    uint64_t packets = 0;
+    std::string path;
+    uint32_t seed = 1;
+};
+
+void generate(const generate_options &wanted) {
+    try {
+        packets::capture_writer out(wanted.path);
+        const packets::traffic_made made = packets::make_traffic(out, wanted.packets, wanted.seed);
+        out.close();
+        std::cout << wanted.path << ": " << counted(made.packets, "packet", "packets") << " of "
+                  << counted(made.conversations, "conversation", "conversations") << ", "
+                  << counted(made.other_frames, "frame", "frames") << " of other kinds\n";
+    } catch (const std::exception &error) {
+        throw failure(error.what());
+    }
+}
+
+}  // namespace
+
+void add_flows(CLI::App &app, const options &given) {
+    CLI::App *flows = app.add_subcommand("flows", "Flows of captures in the flow table");
+    flows->require_subcommand(1);
+
+    CLI::App *command = flows->add_subcommand(
+        "import", "Every flow of a capture (pcap, pcapng) into flow, flow_info and ipfix_ingress");
+    auto path = std::make_shared<std::string>();
+    command->add_option("CAPTURE", *path, "Ethernet or raw IP")->required();
+    command->callback([&given, path] {
+        opened_tables tables(given.adapter);
+        import(tables, *path);
+    });
+
+    command = flows->add_subcommand("list", "Flows with their packets and bytes");
+    auto listed = std::make_shared<list_options>();
+    listed->filter.add_to(command);
+    command->add_option("--top", listed->top, "The first so many")->type_name("N");
+    command->add_option("--by", listed->by, "Most bytes first, or most packets")
+        ->check(CLI::IsMember({"bytes", "packets"}))
+        ->capture_default_str();
+    command->add_flag("--json", listed->as_json, "As JSON");
+    command->callback([&given, listed] {
+        opened_tables tables(given.adapter);
+        list(tables, *listed);
+    });
+
+    command = flows->add_subcommand("find", "One flow, looked up as hardware would");
+    auto found = std::make_shared<flow_filter>();
+    found->add_to(command);
+    command->callback([&given, found] {
+        opened_tables tables(given.adapter);
+        find(tables, *found);
+    });
+
+    command = flows->add_subcommand("delete", "Flows and their data");
+    auto deleted = std::make_shared<flow_filter>();
+    auto all = std::make_shared<bool>(false);
+    deleted->add_to(command);
+    command->add_flag("--all", *all, "Every flow");
+    command->callback([&given, deleted, all] {
+        opened_tables tables(given.adapter);
+        remove(tables, *deleted, *all);
+    });
+
+    command = flows->add_subcommand("stats", "Load, and how far flows are from their hash");
+    command->callback([&given] {
+        opened_tables tables(given.adapter);
+        stats(tables);
+    });
+
+    command = flows->add_subcommand("generate", "Write a capture of made-up traffic");
+    auto made = std::make_shared<generate_options>();
+    command->add_option("N", made->packets, "About so many packets")
+        ->required()
+        ->check(CLI::Range(uint64_t{1}, uint64_t{1000000000}));
+    command->add_option("CAPTURE", made->path, "The file, pcap")->required();
+    command->add_option("--seed", made->seed, "The same packets for the same seed")
+        ->capture_default_str();
+    command->callback([made] { generate(*made); });
+}
+
+}  // namespace halden::tool

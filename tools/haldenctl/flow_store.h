@@ -1,0 +1,55 @@
+#pragma once
+
+// Flows of packets in the tables:
+//
+//     flow: the packets' key -> flow_idx --> flow_info[flow_idx]: time of the last packet, packets
+//                                            ipfix_ingress[flow_idx]: packets, bytes
+//
+// flow_idx 0 is not handed out. The data stands in the tables before a key leads to it, and goes
+// after the key is gone.
+
+#include <cstdint>
+#include <functional>
+
+#include "tools/haldenctl/table_calls.h"
+#include "tools/packets/flow_key.h"
+
+namespace halden::tool {
+
+struct flow_counts {
+    uint64_t packets = 0;
+    uint64_t bytes = 0;
+    uint32_t last_seen = 0;  // seconds since 1970
+};
+
+struct stored_flow {
+    packets::flow flow;
+    uint32_t index = 0;  // flow_idx
+    uint32_t table = 0;  // flow or flow_ohash
+    uint32_t row = 0;
+    uint32_t path = 0;  // rows in front of it in its bucket
+    flow_counts counts;
+};
+
+enum class add_result : uint8_t { added, counted, no_info_row, refused };
+
+class flow_store {
+  public:
+    explicit flow_store(opened_tables &tables) : tables_(tables) {}
+
+    // Makes the flow if it is not there, and adds to its counts.
+    add_result add(const packets::flow &f, const flow_counts &counts);
+    // Takes it out with its data. False when the engine refuses.
+    bool remove(const stored_flow &f);
+    // Every flow, by buckets, until `see` answers false. `see` may not change the tables.
+    void for_each(const std::function<bool(const stored_flow &)> &see);
+
+  private:
+    bool next_free_index(uint32_t &index);
+    flow_counts counts_at(uint32_t index);
+
+    opened_tables &tables_;
+    uint32_t searched_ = 1;  // no index below it is free
+};
+
+}  // namespace halden::tool
