@@ -2,6 +2,8 @@
 #
 # A GoogleTest program with a main of its own: the library exports one too, which would answer for
 # any program that has none. The main fails a run in which no test was executed.
+# The target tsan_tests builds those labelled tsan alone.
+add_custom_target(tsan_tests)
 function(halden_test name)
   cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS;LABELS" ${ARGN})
   add_executable(${name} ${PROJECT_SOURCE_DIR}/tests/support/test_main.cc ${ARG_SOURCES})
@@ -10,6 +12,9 @@ function(halden_test name)
                         Threads::Threads)
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 300)
+  endif()
+  if("tsan" IN_LIST ARG_LABELS)
+    add_dependencies(tsan_tests ${name})
   endif()
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
