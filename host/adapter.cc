@@ -102,7 +102,7 @@ flow_rows *adapter::flow_rows_of(uint32_t tableid) {
     rows = place.load(std::memory_order_acquire);
     if (rows != nullptr) return rows;
     try {
-        rows = new flow_rows(path_of(memory::hbm, tableid), depth(tableid));
+        rows = new flow_rows(path_of(memory::hbm, tableid), depth(tableid), options_.flow_paging);
         place.store(rows, std::memory_order_release);
     } catch (const std::exception &error) {
         trace::error("table %u: HBM cannot be mapped: %s", tableid, error.what());

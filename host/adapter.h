@@ -55,6 +55,8 @@ struct adapter_options {
     // Powers of two, at most the pipeline's own: 22 bits of index, 21 bits of hint.
     uint32_t flow_rows = 4194304;
     uint32_t flow_ohash_rows = 2097152;
+    // Of the flow memories of an anonymous adapter. Huge pages are for tables that will be full.
+    paging flow_paging = paging::small;
 };
 
 class adapter {

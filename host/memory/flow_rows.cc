@@ -16,8 +16,8 @@ bool all_zero(const flow_image &image) {
 
 }  // namespace
 
-flow_rows::flow_rows(const std::string &path, uint32_t rows)
-    : rows_(rows), memory_(path, size_t{rows} * flow_row_bytes) {}
+flow_rows::flow_rows(const std::string &path, uint32_t rows, paging pages)
+    : rows_(rows), memory_(path, size_t{rows} * flow_row_bytes, pages) {}
 
 uint16_t flow_rows::read(uint32_t row, flow_image &image) const {
     load_words(image.data(), row_at(row), flow_row_bytes);

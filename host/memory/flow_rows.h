@@ -21,7 +21,7 @@ using flow_image = std::array<uint8_t, flow_row_bytes>;
 
 class flow_rows {
   public:
-    flow_rows(const std::string &path, uint32_t rows);
+    flow_rows(const std::string &path, uint32_t rows, paging pages = paging::small);
 
     uint32_t rows() const { return rows_; }
     uint8_t *base() const { return memory_.base(); }

@@ -9,11 +9,15 @@
 
 namespace halden::host {
 
+// How anonymous memory is paged. Huge pages make random accesses to a full table faster, and cost
+// 2 MiB for the first row of each; where the system has none, the small ones serve.
+enum class paging : uint8_t { small, huge };
+
 class region {
   public:
     // Maps `bytes` zero bytes. With an empty path the memory is anonymous; otherwise the file is
     // made when it is absent. Throws std::runtime_error with the path and the reason.
-    region(const std::string &path, size_t bytes);
+    region(const std::string &path, size_t bytes, paging pages = paging::small);
     ~region();
     region(const region &) = delete;
     region &operator=(const region &) = delete;
@@ -26,7 +30,9 @@ class region {
     bool next_used(size_t from, size_t &begin, size_t &end) const;
 
   private:
-    int file_ = -1;
+    bool next_used_page(size_t from, size_t &begin, size_t &end) const;
+
+    int file_ = -1;  // none with huge pages
     uint8_t *base_ = nullptr;
     size_t bytes_ = 0;
 };

@@ -53,6 +53,26 @@ TEST(Region, FindsTheNextTouchedPage) {
     EXPECT_FALSE(memory.next_used(std::max(end, second + 1), begin, end));
 }
 
+TEST(Region, HugePagesAreZeroAndTheTouchedOnesAreFound) {
+    const region memory("", many, halden::host::paging::huge);
+    constexpr size_t first = size_t{64} << 20, second = many - 3;
+    size_t begin = 0, end = 0;
+    EXPECT_FALSE(memory.next_used(0, begin, end));
+    memory.base()[first + 9] = 1;
+    memory.base()[second] = 1;
+    ASSERT_TRUE(memory.next_used(0, begin, end));
+    EXPECT_LE(begin, first + 9);
+    EXPECT_GT(end, first + 9);
+    EXPECT_LT(end, second);
+    EXPECT_EQ(std::count(memory.base() + begin, memory.base() + end, uint8_t{1}), 1);
+    ASSERT_TRUE(memory.next_used(end, begin, end));
+    EXPECT_LE(begin, second);
+    EXPECT_EQ(end, many);
+    // From the middle of a run on, the run begins there.
+    ASSERT_TRUE(memory.next_used(first + 10, begin, end));
+    EXPECT_EQ(begin, first + 10);
+}
+
 TEST(Region, AFileKeepsWhatWasStored) {
     const scratch_directory scratch;
     const std::string path = scratch.file("memory");
