@@ -1,0 +1,111 @@
+// The flow table on the adapter: huge pages, at its full depth.
+
+#include <cstring>
+
+#include "bench/flow/contender.h"
+#include "ftl/flow_hash.h"
+#include "host/adapter.h"
+#include "host/engines/flow/ftl_access.h"
+
+namespace halden::bench {
+
+namespace {
+
+namespace lay = flow_layout;
+
+// What a caller does to make an entry of a key record.
+void fill(flow_hash_entry_t &entry, const flow_swkey_t &key, uint32_t value) {
+    uint8_t *body = entry.body();
+    std::memset(body, 0, lay::body_bytes);
+#define BYTES(name) \
+    lay::set_bytes<lay::metadata_flow_key_##name>(body, key.metadata_flow_key_##name)
+#define NUMBER(name) \
+    lay::set_bits<lay::metadata_flow_key_##name>(body, key.metadata_flow_key_##name)
+    BYTES(spare);
+    NUMBER(proto);
+    NUMBER(vlan);
+    NUMBER(vni);
+    NUMBER(outer_flow_id);
+    NUMBER(rsvd);
+    NUMBER(port_id);
+    NUMBER(ktype);
+    BYTES(dmac);
+    BYTES(smac);
+    NUMBER(dport);
+    NUMBER(sport);
+    BYTES(dip);
+    BYTES(sip);
+#undef NUMBER
+#undef BYTES
+    lay::set_bits<lay::flow_idx>(body, value);
+}
+
+uint32_t value_in(const flow_hash_entry_t &entry) {
+    return static_cast<uint32_t>(lay::get_bits<lay::flow_idx>(entry.body()));
+}
+
+class flow_table : public contender {
+  public:
+    flow_table() : adapter_(host::adapter::anonymous({.flow_paging = host::paging::huge})) {
+        const host::scoped_current use(*adapter_);
+        sdk::table::sdk_table_factory_params_t params = {};
+        table_ = sdk::table::flow_hash::factory(&params);
+    }
+    ~flow_table() override {
+        const host::scoped_current use(*adapter_);
+        sdk::table::flow_hash::destroy(table_);
+    }
+    flow_table(const flow_table &) = delete;
+    flow_table &operator=(const flow_table &) = delete;
+
+  protected:
+    std::unique_ptr<host::adapter> adapter_;
+    sdk::table::flow_hash *table_;
+};
+
+class single_calls : public flow_table {
+  public:
+    std::string name() const override { return "halden, single calls"; }
+
+    uint64_t create(const std::vector<padded_key> &keys, order which) override {
+        return each(keys, which, [this](auto *params, auto &, uint32_t) {
+            return table_->insert(params) == SDK_RET_OK;
+        });
+    }
+    uint64_t hit(const std::vector<padded_key> &keys, order which) override {
+        return each(keys, which, [this](auto *params, auto &entry, uint32_t n) {
+            return table_->get(params) == SDK_RET_OK && value_in(entry) == value_of(n);
+        });
+    }
+    uint64_t miss(const std::vector<padded_key> &keys, order which) override {
+        return each(keys, which, [this](auto *params, auto &, uint32_t) {
+            return table_->get(params) == SDK_RET_ENTRY_NOT_FOUND;
+        });
+    }
+    uint64_t remove(const std::vector<padded_key> &keys, order which) override {
+        return each(keys, which, [this](auto *params, auto &, uint32_t) {
+            return table_->remove(params) == SDK_RET_OK;
+        });
+    }
+
+  private:
+    template <class Call>
+    uint64_t each(const std::vector<padded_key> &keys, order which, Call call) {
+        uint64_t done = 0;
+        flow_hash_entry_t entry;
+        for (uint32_t n : which) {
+            fill(entry, keys[n].key, value_of(n));
+            sdk::table::sdk_table_api_params_t params = {};
+            params.entry = &entry;
+            done += call(&params, entry, n) ? 1 : 0;
+        }
+        return done;
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<contender> make_single() { return std::make_unique<single_calls>(); }
+std::unique_ptr<contender> make_batch() { return nullptr; }
+
+}  // namespace halden::bench
