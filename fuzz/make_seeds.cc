@@ -195,6 +195,10 @@ void save_texts(const std::filesystem::path &root) {
     for (int n = 0; const char *text : files)
         seed().put_text(text).save(root / "fuzz_entry_json", "typed_" + std::to_string(n++));
 
+    seed()
+        .put_text("[" + std::string(70, '[') + std::string(70, ']') + "]")
+        .save(root / "fuzz_entry_json", "deep");
+
     struct {
         uint8_t table, field;  // from 0
         const char *text;

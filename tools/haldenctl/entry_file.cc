@@ -12,10 +12,16 @@ namespace {
 
 using namespace pipeline;
 
-// nlohmann-json keeps the last of two members of one name without a word.
+// Entries need four levels; what prints a value goes down all of them, on the stack.
+constexpr int most_levels = 64;
+
+// nlohmann-json keeps the last of two members of one name without a word, and takes any depth.
 class member_names {
   public:
     void see(int depth, json::parse_event_t event, const json &parsed) {
+        if (depth > most_levels)
+            throw failure("lists and objects stand in one another more than " +
+                          std::to_string(most_levels) + " deep; allowed: the levels of entries");
         if (event == json::parse_event_t::array_start && depth == 0) entry_depth_ = 1;
         if (event == json::parse_event_t::object_start) {
             open_.emplace_back();
