@@ -65,6 +65,14 @@ void row_store::write(uint32_t row, const row_image &image, uint16_t bits) {
 }
 
 uint32_t row_store::next_used(uint32_t from) const {
+    // The page that `from` stands in is looked at without asking whether it was touched: a walk
+    // over a full table would ask for every row, and each answer takes a walk over the table.
+    constexpr uint32_t page_rows = 4096 / state_bytes;
+    if (from >= rows_) return rows_;
+    const uint32_t page_end = std::min(rows_, (from / page_rows + 1) * page_rows);
+    for (; from < page_end; ++from)
+        if (length_in(load(state(from), std::memory_order_acquire)) != 0) return from;
+
     size_t begin = 0, end = 0;
     while (from < rows_ && memory_.next_used(size_t{from} * state_bytes, begin, end)) {
         const auto first = std::max(from, static_cast<uint32_t>(begin / state_bytes));
