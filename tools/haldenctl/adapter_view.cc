@@ -1,6 +1,7 @@
 #include "tools/haldenctl/adapter_view.h"
 
 #include <array>
+#include <iostream>
 
 #include "host/view/lookup.h"
 #include "p4pd.h"
@@ -29,6 +30,20 @@ std::vector<uint8_t> taken(const uint8_t *image, uint32_t bits) {
 
 opened_adapter::opened_adapter(const std::string &directory)
     : adapter_(opened(directory)), current_(*adapter_) {}
+
+void opened_adapter::arm(const options &given) {
+    show_calls_ = given.show_calls;
+    for (const host::fault &f : given.faults) adapter_->faults().inject(f);
+    if (show_calls_) adapter_->faults().record(true);
+}
+
+opened_adapter::~opened_adapter() {
+    if (!show_calls_) return;
+    for (const host::call_record &call : adapter_->faults().recorded())
+        std::cerr << host::name_of(call.call) << "  "
+                  << (call.table != 0 ? find_table(call.table)->name : "") << "  " << call.index
+                  << (call.injected != SDK_RET_OK ? "  refused" : "") << "\n";
+}
 
 std::string opened_adapter::name() const {
     return adapter_->directory().empty() ? "memory that ends with this command"

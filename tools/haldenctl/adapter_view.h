@@ -7,15 +7,22 @@
 #include <string>
 
 #include "host/adapter.h"
+#include "tools/haldenctl/options.h"
 #include "tools/haldenctl/record.h"
 
 namespace halden::tool {
 
-// The adapter in `directory`; with an empty name, one whose memory ends with the process. It
-// answers the library's imports as long as it lives.
+// The adapter of the options. It answers the library's imports as long as it lives, and shows its
+// calls at the end when that is asked for.
 class opened_adapter {
   public:
+    explicit opened_adapter(const options &given) : opened_adapter(given.adapter) { arm(given); }
+    // Without the faults and the record of the options; arm() adds them.
     explicit opened_adapter(const std::string &directory);
+    void arm(const options &given);
+    ~opened_adapter();
+    opened_adapter(const opened_adapter &) = delete;
+    opened_adapter &operator=(const opened_adapter &) = delete;
     host::adapter &operator*() const { return *adapter_; }
     host::adapter *operator->() const { return adapter_.get(); }
     // "adapter DIR" or "memory that ends with this command".
@@ -24,6 +31,7 @@ class opened_adapter {
   private:
     std::unique_ptr<host::adapter> adapter_;
     host::scoped_current current_;
+    bool show_calls_ = false;
 };
 
 // One row's images in wire order, as the layout routines made them: swizzling is undone.

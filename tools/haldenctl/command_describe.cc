@@ -96,7 +96,7 @@ void add_describe(CLI::App &app, const options &given) {
     command->add_option("TABLE", *name, "Name or id")->required();
     command->callback([&given, name] {
         const table &t = table_named(*name);
-        describe(opened_adapter(given.adapter), t);
+        describe(opened_adapter(given), t);
     });
 }
 

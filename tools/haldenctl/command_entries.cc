@@ -67,7 +67,7 @@ void add_command(CLI::App &app, const options &given, const char *name, const ch
         const table &t = table_named(wanted->table);
         try {
             check_engine(t);
-            opened_tables tables(given.adapter);
+            opened_tables tables(given);
             work(*tables, t, wanted->fields);
         } catch (const failure &error) {
             throw error.inside(std::string(t.name));
@@ -84,8 +84,8 @@ std::string why_not(host::adapter &adapter, const records &entry, uint32_t index
     if (there != wanted)
         return (there ? "there is an entry already: " : "there is no entry: ") +
                entry_called(entry, index);
-    return "the engine refused it: " + entry_called(entry, index) + ", in table of " +
-           std::to_string(adapter.depth(entry.of->id)) + " rows";
+    return "the engine refused it: " + entry_called(entry, index) + "; the table has " +
+           std::to_string(adapter.depth(entry.of->id)) + " rows; --log-level error says why";
 }
 
 void create(host::adapter &adapter, const table &t, const std::vector<std::string> &fields) {

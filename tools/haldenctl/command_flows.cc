@@ -285,7 +285,7 @@ void add_flows(CLI::App &app, const options &given) {
     auto path = std::make_shared<std::string>();
     command->add_option("CAPTURE", *path, "Ethernet or raw IP")->required();
     command->callback([&given, path] {
-        opened_tables tables(given.adapter);
+        opened_tables tables(given);
         import(tables, *path);
     });
 
@@ -298,7 +298,7 @@ void add_flows(CLI::App &app, const options &given) {
         ->capture_default_str();
     command->add_flag("--json", listed->as_json, "As JSON");
     command->callback([&given, listed] {
-        opened_tables tables(given.adapter);
+        opened_tables tables(given);
         list(tables, *listed);
     });
 
@@ -306,7 +306,7 @@ void add_flows(CLI::App &app, const options &given) {
     auto found = std::make_shared<flow_filter>();
     found->add_to(command);
     command->callback([&given, found] {
-        opened_tables tables(given.adapter);
+        opened_tables tables(given);
         find(tables, *found);
     });
 
@@ -316,13 +316,13 @@ void add_flows(CLI::App &app, const options &given) {
     deleted->add_to(command);
     command->add_flag("--all", *all, "Every flow");
     command->callback([&given, deleted, all] {
-        opened_tables tables(given.adapter);
+        opened_tables tables(given);
         remove(tables, *deleted, *all);
     });
 
     command = flows->add_subcommand("stats", "Load, and how far flows are from their hash");
     command->callback([&given] {
-        opened_tables tables(given.adapter);
+        opened_tables tables(given);
         stats(tables);
     });
 

@@ -156,7 +156,7 @@ void add_lookup(CLI::App &app, const options &given) {
                         "The packet's key; fields that are not given are 0");
     command->callback([&given, name, fields] {
         const table &t = table_named(*name);
-        look_up(opened_adapter(given.adapter), t, *fields);
+        look_up(opened_adapter(given), t, *fields);
     });
 }
 

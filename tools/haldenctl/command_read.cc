@@ -177,7 +177,7 @@ void add_read(CLI::App &app, const options &given) {
     command->add_flag("--json", wanted->as_json, "As JSON that `write` takes");
     command->add_flag("--raw", wanted->raw, "With its images and the fields of their bits");
     command->callback([&given, wanted] {
-        opened_tables tables(given.adapter);
+        opened_tables tables(given);
         read(tables, *wanted);
     });
 }
@@ -193,7 +193,7 @@ void add_dump(CLI::App &app, const options &given) {
         if (name->empty() && !*all)
             throw CLI::ValidationError("dump", "TABLE or --all is required");
         const table *one = *all ? nullptr : &table_named(*name);
-        const opened_adapter adapter(given.adapter);
+        const opened_adapter adapter(given);
         dump_printer out(*as_json);
         for (const table *t : tables)
             if (one == nullptr || one == t) dump_table(*adapter, *t, out);

@@ -70,7 +70,7 @@ void add_tables(CLI::App &app, const options &given) {
     auto as_json = std::make_shared<bool>(false);
     command->add_flag("--json", *as_json, "As JSON");
     command->callback([&given, as_json] {
-        const opened_adapter adapter(given.adapter);
+        const opened_adapter adapter(given);
         *as_json ? print_json(*adapter) : print_text(*adapter);
     });
 }

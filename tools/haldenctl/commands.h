@@ -3,14 +3,10 @@
 // The commands of haldenctl, one function each to hang it into the command line.
 
 #include <CLI/CLI.hpp>
-#include <string>
+
+#include "tools/haldenctl/options.h"
 
 namespace halden::tool {
-
-// What the options in front of the command say.
-struct options {
-    std::string adapter;  // directory; empty for memory that ends with the command
-};
 
 void add_tables(CLI::App &app, const options &given);
 void add_describe(CLI::App &app, const options &given);

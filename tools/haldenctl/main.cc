@@ -57,9 +57,17 @@ int main(int argc, char **argv) {
         ->type_name("LEVEL");
     app.add_option("--log-file", log_file, "Messages go to this file instead of standard error")
         ->type_name("FILE");
+    std::vector<std::string> faults;
+    app.add_option("--fault", faults,
+                   "Calls of the ASIC layer that the adapter refuses or delays, as "
+                   "sram-write,table=lif_mapping,skip=2,count=all,delay=10")
+        ->type_name("CALL[,...]");
+    app.add_flag("--show-calls", given.show_calls,
+                 "Show the calls of the ASIC layer that the command made");
     // Runs when the options are known, before the command does.
     app.parse_complete_callback([&] {
         tool::use_colours(colours);
+        for (const std::string &text : faults) given.faults.push_back(tool::fault_of(text));
         // The tool's own errors say what went wrong; the library's and the adapter's say where.
         if (level.empty() && std::getenv("HALDEN_LOG_LEVEL") == nullptr) level = "critical";
         if (!level.empty() && !host::trace::set_level(level))

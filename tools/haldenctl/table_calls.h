@@ -14,7 +14,10 @@ namespace halden::tool {
 // An adapter with the engines of its tables.
 class opened_tables {
   public:
-    explicit opened_tables(const std::string &directory) : adapter_(directory), state_(*adapter_) {}
+    // Making the engines reads the tables; what the options ask for begins behind that.
+    explicit opened_tables(const options &given) : adapter_(given.adapter), state_(*adapter_) {
+        adapter_.arm(given);
+    }
     host::adapter &operator*() const { return *adapter_; }
     const opened_adapter &adapter() const { return adapter_; }
     api::impl::tev_tbl_impl_state &tables() { return state_.tables(); }
