@@ -87,7 +87,13 @@ class FlowThreads : public testing::TestWithParam<host::adapter_options> {
         while (!stop_.load(std::memory_order_relaxed)) {
             const uint64_t key = random() % keys;
             call_entry one(entries_[key]);
-            const sdk_ret_t result = bed_.table().get(&one.call);
+            sdk_ret_t result = SDK_RET_ERR;
+            if (random() % 2 == 0) {
+                result = bed_.table().get(&one.call);
+            } else {
+                base_table_entry_t *entry = &one.entry;
+                ftl_access::get_batch(bed_.table(), {&entry, 1}, {&result, 1});
+            }
             if (result == SDK_RET_OK) {
                 flow_hash_entry_t asked = entries_[key];
                 check(!never_comes(key) && key_of(one.flow_idx()) == key &&
@@ -180,7 +186,7 @@ TEST_P(FlowThreads, AThousandThreadsOneAfterAnother) {
 
 // Long chains that change all the time, a usual load, and an overflow that runs dry.
 INSTANTIATE_TEST_SUITE_P(Depths, FlowThreads,
-                         testing::Values(host::adapter_options{128, 2048},
+                         testing::Values(host::adapter_options{16, 2048},
                                          host::adapter_options{1024, 1024},
                                          host::adapter_options{512, 256}),
                          [](const auto &tested) {

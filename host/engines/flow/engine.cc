@@ -68,7 +68,7 @@ void engine::note_rows_in_use(uint32_t left_out) {
 void engine::leave_out(uint32_t end) { note_rows_in_use(end); }
 
 // The caller's record stays as it is: it may be used again for another key.
-sdk_ret_t engine::hash_of(const sdk_table_api_params_ &call, uint32_t &hash) {
+sdk_ret_t engine::hash_of(const sdk_table_api_params_ &call, uint32_t &hash) const {
     sdk_table_api_params_ question = call;
     const sdk_ret_t result = table_.genhash_(&question);
     hash = question.hash_value;
@@ -133,18 +133,20 @@ walk engine::find(base_table_entry_t *cursor, base_table_entry_t *key, uint32_t 
     }
 }
 
-sdk_ret_t engine::get(const sdk_table_api_params_ &call) {
-    auto *entry = static_cast<base_table_entry_t *>(call.entry);
-    uint32_t hash = 0;
-    if (const sdk_ret_t result = hash_of(call, hash); result != SDK_RET_OK) return result;
+// The caller's whole entry, from a scratch entry that was read whole.
+void engine::fill(base_table_entry_t *entry, base_table_entry_t *from) {
+    std::memcpy(body_of(entry), body_of(from), flow_row_bytes);
+    entry->set_entry_valid(1);
+}
+
+sdk_ret_t engine::get(base_table_entry_t *entry, uint32_t hash) {
     rows::prefetch(rows_.main(main_row(hash)));
     const scratch_row mine;
     base_table_entry_t *cursor = scratch(mine, 0);
     walk way;
     read_unchanged(stripe_of(main_row(hash)), [&] { way = find(cursor, entry, hash); });
     if (!way.found) return SDK_RET_ENTRY_NOT_FOUND;
-    std::memcpy(body_of(entry), body_of(cursor), flow_row_bytes);
-    entry->set_entry_valid(1);
+    fill(entry, cursor);
     return SDK_RET_OK;
 }
 

@@ -34,6 +34,7 @@
 #include "sdk/table/ftl_base.h"
 
 #include <mutex>
+#include <span>
 #include <vector>
 
 namespace halden::host::flow {
@@ -74,10 +75,17 @@ class engine {
     // Maps the memories and notes which rows are in use; changes nothing in them.
     sdk_ret_t start(adapter &hardware);
 
-    sdk_ret_t insert(const sdk_table_api_params_ &call);
-    sdk_ret_t update(const sdk_table_api_params_ &call);
-    sdk_ret_t remove(const sdk_table_api_params_ &call);
-    sdk_ret_t get(const sdk_table_api_params_ &call);
+    sdk_ret_t hash_of(const sdk_table_api_params_ &call, uint32_t &hash) const;
+    sdk_ret_t insert(base_table_entry_t *entry, uint32_t hash);
+    sdk_ret_t update(base_table_entry_t *entry, uint32_t hash);
+    sdk_ret_t remove(base_table_entry_t *entry, uint32_t hash);
+    sdk_ret_t get(base_table_entry_t *entry, uint32_t hash);
+
+    // The same for many entries, whose rows are fetched while others are worked on. `results` is as
+    // long as `entries`; returns how many calls succeeded.
+    size_t insert(std::span<base_table_entry_t *const> entries, sdk_ret_t *results);
+    size_t remove(std::span<base_table_entry_t *const> entries, sdk_ret_t *results);
+    size_t get(std::span<base_table_entry_t *const> entries, sdk_ret_t *results);
 
     // Completes or takes back what the memories hold of operations that never ended, empties
     // overflow rows that nothing leads to, and counts anew. No other thread may be at work.
@@ -97,13 +105,16 @@ class engine {
     base_table_entry_t *scratch(const scratch_row &mine, int column) {
         return table_.get_entry(mine.number(), column);
     }
-    sdk_ret_t hash_of(const sdk_table_api_params_ &call, uint32_t &hash);
     uint32_t main_row(uint32_t hash) const {
         return static_cast<uint32_t>(uint64_t{hash} >> main_shift_);
     }
     static uint32_t hint_hash(uint32_t hash) { return hash & ((1u << hint_hash_bits) - 1); }
-    stripe &stripe_of(uint32_t main_row) { return stripes_[main_row & (stripe_count_ - 1)]; }
+    stripe &stripe_of(uint32_t main_row) const { return stripes_[main_row & (stripe_count_ - 1)]; }
 
+    template <typename F>
+    size_t in_groups(std::span<base_table_entry_t *const> entries, sdk_ret_t *results, F one);
+    bool found_in_main(base_table_entry_t *cursor, base_table_entry_t *entry, uint32_t hash) const;
+    static void fill(base_table_entry_t *entry, base_table_entry_t *from);
     walk find(base_table_entry_t *cursor, base_table_entry_t *key, uint32_t hash) const;
     uint32_t next_slot(base_table_entry_t *entry, uint32_t hash, uint32_t &hint) const;
     uint32_t free_slot(base_table_entry_t *entry) const;

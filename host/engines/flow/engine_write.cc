@@ -74,10 +74,7 @@ walk engine::leaf_under(const place &from, base_table_entry_t *cursor) const {
     }
 }
 
-sdk_ret_t engine::insert(const sdk_table_api_params_ &call) {
-    auto *entry = static_cast<base_table_entry_t *>(call.entry);
-    uint32_t hash = 0;
-    if (const sdk_ret_t result = hash_of(call, hash); result != SDK_RET_OK) return result;
+sdk_ret_t engine::insert(base_table_entry_t *entry, uint32_t hash) {
     const place main = rows_.main(main_row(hash));
     rows::prefetch(main);
     const scratch_row mine;
@@ -110,10 +107,7 @@ sdk_ret_t engine::insert(const sdk_table_api_params_ &call) {
     return SDK_RET_OK;
 }
 
-sdk_ret_t engine::update(const sdk_table_api_params_ &call) {
-    auto *entry = static_cast<base_table_entry_t *>(call.entry);
-    uint32_t hash = 0;
-    if (const sdk_ret_t result = hash_of(call, hash); result != SDK_RET_OK) return result;
+sdk_ret_t engine::update(base_table_entry_t *entry, uint32_t hash) {
     rows::prefetch(rows_.main(main_row(hash)));
     const scratch_row mine;
     base_table_entry_t *cursor = scratch(mine, 0);
@@ -128,10 +122,7 @@ sdk_ret_t engine::update(const sdk_table_api_params_ &call) {
     return SDK_RET_OK;
 }
 
-sdk_ret_t engine::remove(const sdk_table_api_params_ &call) {
-    auto *entry = static_cast<base_table_entry_t *>(call.entry);
-    uint32_t hash = 0;
-    if (const sdk_ret_t result = hash_of(call, hash); result != SDK_RET_OK) return result;
+sdk_ret_t engine::remove(base_table_entry_t *entry, uint32_t hash) {
     rows::prefetch(rows_.main(main_row(hash)));
     const scratch_row mine;
     base_table_entry_t *cursor = scratch(mine, 0), *other = scratch(mine, 1);

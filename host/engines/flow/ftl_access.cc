@@ -17,6 +17,38 @@ namespace sdk::table {
 
 using halden::host::flow::bucket_row;
 
+using halden::host::flow::engine;
+
+namespace {
+
+using batch_operation = size_t (engine::*)(std::span<base_table_entry_t *const>, sdk_ret_t *);
+
+// Results that have no room are not asked for: such entries are left out.
+size_t call_batch(engine *made, batch_operation operation,
+                  std::span<base_table_entry_t *const> entries, std::span<sdk_ret_t> results) {
+    const size_t count = std::min(entries.size(), results.size());
+    if (made != nullptr) return (made->*operation)(entries.first(count), results.data());
+    std::fill_n(results.begin(), count, SDK_RET_INVALID_ARG);
+    return 0;
+}
+
+}  // namespace
+
+size_t ftl_access::insert_batch(ftl_base &table, std::span<base_table_entry_t *const> entries,
+                                std::span<sdk_ret_t> results) {
+    return call_batch(table.impl_, &engine::insert, entries, results);
+}
+
+size_t ftl_access::remove_batch(ftl_base &table, std::span<base_table_entry_t *const> entries,
+                                std::span<sdk_ret_t> results) {
+    return call_batch(table.impl_, &engine::remove, entries, results);
+}
+
+size_t ftl_access::get_batch(ftl_base &table, std::span<base_table_entry_t *const> entries,
+                             std::span<sdk_ret_t> results) {
+    return call_batch(table.impl_, &engine::get, entries, results);
+}
+
 uint64_t ftl_access::count(const ftl_base &table) {
     return table.impl_ != nullptr ? table.impl_->count() : 0;
 }

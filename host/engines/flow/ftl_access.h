@@ -15,6 +15,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <vector>
 
 namespace halden::host::flow {
@@ -53,6 +54,17 @@ class ftl_access {
     using write_hook = halden::host::flow::write_hook;
     using flow_statistics = halden::host::flow::flow_statistics;
     using stored_flow = halden::host::flow::stored_flow;
+
+    // The table's calls for many entries at once: the rows of some are fetched from memory while
+    // others are worked on. Each entry is treated as by a call of its own, in no given order among
+    // equal keys; `results`, as long as `entries`, gets each one's result. Returns how many calls
+    // succeeded.
+    static size_t insert_batch(ftl_base &table, std::span<base_table_entry_t *const> entries,
+                               std::span<sdk_ret_t> results);
+    static size_t remove_batch(ftl_base &table, std::span<base_table_entry_t *const> entries,
+                               std::span<sdk_ret_t> results);
+    static size_t get_batch(ftl_base &table, std::span<base_table_entry_t *const> entries,
+                            std::span<sdk_ret_t> results);
 
     // Flows in the table, from counters; while writers are at work a little behind.
     static uint64_t count(const ftl_base &table);

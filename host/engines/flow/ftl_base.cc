@@ -13,8 +13,17 @@ namespace sdk::table {
 
 namespace {
 
-bool usable(const sdk_table_api_params_ *params) {
-    return params != nullptr && params->entry != nullptr;
+using halden::host::flow::engine;
+
+// Hands a caller's record on as an entry and its hash.
+sdk_ret_t call(engine *made, const sdk_table_api_params_ *params,
+               sdk_ret_t (engine::*operation)(base_table_entry_t *, uint32_t)) {
+    if (made == nullptr || params == nullptr || params->entry == nullptr)
+        return SDK_RET_INVALID_ARG;
+    uint32_t hash = 0;
+    const sdk_ret_t result = made->hash_of(*params, hash);
+    if (result != SDK_RET_OK) return result;
+    return (made->*operation)(static_cast<base_table_entry_t *>(params->entry), hash);
 }
 
 }  // namespace
@@ -75,19 +84,17 @@ void ftl_base::destroy(ftl_base *table) {
 }
 
 sdk_ret_t ftl_base::insert(sdk_table_api_params_ *params) {
-    return usable(params) && impl_ != nullptr ? impl_->insert(*params) : SDK_RET_INVALID_ARG;
+    return call(impl_, params, &engine::insert);
 }
 
 sdk_ret_t ftl_base::update(sdk_table_api_params_ *params) {
-    return usable(params) && impl_ != nullptr ? impl_->update(*params) : SDK_RET_INVALID_ARG;
+    return call(impl_, params, &engine::update);
 }
 
 sdk_ret_t ftl_base::remove(sdk_table_api_params_ *params) {
-    return usable(params) && impl_ != nullptr ? impl_->remove(*params) : SDK_RET_INVALID_ARG;
+    return call(impl_, params, &engine::remove);
 }
 
-sdk_ret_t ftl_base::get(sdk_table_api_params_ *params) {
-    return usable(params) && impl_ != nullptr ? impl_->get(*params) : SDK_RET_INVALID_ARG;
-}
+sdk_ret_t ftl_base::get(sdk_table_api_params_ *params) { return call(impl_, params, &engine::get); }
 
 }  // namespace sdk::table
