@@ -14,6 +14,8 @@ namespace halden::host {
 
 namespace {
 
+constexpr size_t page_bytes = 4096;
+
 [[noreturn]] void fail(const std::string &path, const std::string &what) {
     throw std::runtime_error((path.empty() ? "adapter memory" : path) + ": " + what);
 }
@@ -121,9 +123,10 @@ bool region::next_used(size_t from, size_t &begin, size_t &end) const {
         end = bytes_;
         return true;
     }
-    const off_t hole = lseek(file_, data, SEEK_HOLE);
+    // To the end of the page and no further: where the hole behind it begins is only found by
+    // looking through all pages in between, and a scan would do so again for each of them.
     begin = static_cast<size_t>(data);
-    end = hole < 0 ? bytes_ : static_cast<size_t>(hole);
+    end = std::min(bytes_, (begin / page_bytes + 1) * page_bytes);
     return begin < bytes_;
 }
 

@@ -138,7 +138,9 @@ sdk_ret_t flow_bed::get(uint64_t number, uint32_t *flow_idx) {
 }
 
 int64_t flow_bed::seen_by_hardware(uint64_t number) {
-    const host::view::answer found = host::view::lookup(*adapter_, flow, packet_of(number).data());
+    std::vector<uint8_t> &packet = packets_[number];
+    if (packet.empty()) packet = packet_of(number);
+    const host::view::answer found = host::view::lookup(*adapter_, flow, packet.data());
     if (!found.hit) return -1;
     // flow_idx is bits 490 to 511 of the body, so the top 22 bits of the row's 64-bit word at
     // byte 64.

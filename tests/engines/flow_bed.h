@@ -71,6 +71,7 @@ class flow_bed {
     std::unique_ptr<host::adapter> adapter_;
     host::scoped_current current_;
     flow_hash *table_;
+    std::unordered_map<uint64_t, std::vector<uint8_t>> packets_;
 };
 
 }  // namespace halden::test

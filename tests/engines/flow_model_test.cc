@@ -97,12 +97,12 @@ TEST_P(FlowModel, EveryFlowIsFoundAtEveryStore) {
 
 INSTANTIATE_TEST_SUITE_P(
     Shapes, FlowModel,
-    testing::Values(shape{"SpreadOverSixtyFourRows", {64, 32}, 0, 110, 6000},
-                    shape{"ManyHintHashesInOneRow", {1, 64}, 0, 70, 4000},
-                    shape{"FourHintHashesInOneRow", {1, 64}, 0x3fc, 50, 4000},
-                    shape{"OneHintHashInFourRows", {4, 64}, 0x3ff, 40, 4000},
+    testing::Values(shape{"SpreadOverSixtyFourRows", {64, 32}, 0, 110, 3000},
+                    shape{"ManyHintHashesInOneRow", {1, 64}, 0, 70, 2500},
+                    shape{"FourHintHashesInOneRow", {1, 64}, 0x3fc, 50, 2500},
+                    shape{"OneHintHashInFourRows", {4, 64}, 0x3ff, 40, 2500},
                     // A row number of more than 20 bits reaches into both words of every hint.
-                    shape{"HintsAcrossTwoWords", {1, 2097152}, 0, 50, 3000, 0x155551},
+                    shape{"HintsAcrossTwoWords", {1, 2097152}, 0, 50, 1500, 0x155551},
                     shape{"OverflowOfOneRow", {8, 2}, 0, 24, 2000},
                     shape{"NoOverflowAtAll", {8, 1}, 0, 24, 2000}),
     [](const auto &tested) { return std::string(tested.param.name); });

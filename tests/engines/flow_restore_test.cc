@@ -232,7 +232,6 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto &tested) { return std::string(tested.param.name); });
 
 // --- Killed
-// ----------------------------------------------------------------------------------------
 
 constexpr uint64_t keys_per_writer = 600;
 constexpr unsigned writers = 2;

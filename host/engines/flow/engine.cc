@@ -45,23 +45,22 @@ sdk_ret_t engine::start(adapter &hardware) {
 void engine::note_rows_in_use(uint32_t left_out) {
     const scratch_row mine;
     base_table_entry_t *entry = scratch(mine, 0);
-    const auto is_valid = [&](const place &at) {
-        rows::load(at, entry);
+    const auto is_valid = [&](const place &row) {
+        rows::load(row, entry);
         return entry->get_entry_valid() != 0;
     };
+    place at;
     main_before_ = overflow_before_ = 0;
-    for (uint32_t row = 0; (row = rows_.next_used(flow_table, row)) < rows_.main_rows(); ++row)
-        main_before_ += is_valid(rows_.main(row));
-    std::vector<bool> used(left_out, true);
+    for (rows::used_rows used(rows_, flow_table); used.next(at);) main_before_ += is_valid(at);
+    std::vector<bool> taken(left_out, true);
     uint32_t count = std::max(left_out, 1u) - 1;
-    for (uint32_t row = 0; (row = rows_.next_used(flow_ohash_table, row)) < rows_.overflow_rows();
-         ++row) {
-        if (row >= used.size()) used.resize(row + 1);
-        if (row != 0 && !used[row]) ++count;
-        used[row] = true;
-        overflow_before_ += is_valid(rows_.overflow(row));
+    for (rows::used_rows used(rows_, flow_ohash_table); used.next(at);) {
+        if (at.row >= taken.size()) taken.resize(at.row + 1);
+        if (at.row != 0 && !taken[at.row]) ++count;
+        taken[at.row] = true;
+        overflow_before_ += is_valid(at);
     }
-    free_.rebuild(std::move(used), count);
+    free_.rebuild(std::move(taken), count);
     for (uint32_t i = 0; i < stripe_count_; ++i) stripes_[i].reset_counts();
 }
 

@@ -95,9 +95,8 @@ class engine {
     // Hands out no overflow row below `end`. No operation may be under way.
     void leave_out(uint32_t end);
     uint64_t count() const;
-    // The flows of the first bucket at or behind main row `row` that has any; `row` becomes its
-    // row. False when there is none.
-    bool next_bucket(uint32_t &row, std::vector<bucket_row> &out);
+    // Bucket by bucket, until `see` answers false. No lock and no scratch row is held meanwhile.
+    void for_each_bucket(const std::function<bool(const std::vector<bucket_row> &)> &see);
 
   private:
     friend class restorer;

@@ -33,17 +33,18 @@ void engine::collect(const place &at, uint32_t path, base_table_entry_t *cursor,
     for (const uint32_t hint : hints) collect(rows_.overflow(hint), path + 1, cursor, out);
 }
 
-bool engine::next_bucket(uint32_t &row, std::vector<bucket_row> &out) {
-    for (;; ++row) {
-        row = rows_.next_used(flow_table, row);
-        if (row >= rows_.main_rows()) return false;
-        const scratch_row mine;
-        base_table_entry_t *cursor = scratch(mine, 0);
-        read_unchanged(stripe_of(row), [&] {
-            out.clear();
-            collect(rows_.main(row), 0, cursor, out);
-        });
-        if (!out.empty()) return true;
+void engine::for_each_bucket(const std::function<bool(const std::vector<bucket_row> &)> &see) {
+    std::vector<bucket_row> bucket;
+    place main;
+    for (rows::used_rows used(rows_, flow_table); used.next(main);) {
+        {
+            const scratch_row mine;
+            read_unchanged(stripe_of(main.row), [&] {
+                bucket.clear();
+                collect(main, 0, scratch(mine, 0), bucket);
+            });
+        }
+        if (!see(bucket)) return;
     }
 }
 

@@ -24,20 +24,18 @@ class restorer {
           used_(of.rows_.overflow_rows()) {}
 
     sdk_ret_t run() {
-        const rows &memory = of_.rows_;
         // The thread's scratch entry for hashing, before anything is changed.
         uint32_t hash = 0;
         row_->clear();
         if (const sdk_ret_t result = hash_of_entry(row_, hash); result != SDK_RET_OK) return result;
-        for (uint32_t row = 0; (row = memory.next_used(flow_table, row)) < memory.main_rows();
-             ++row) {
-            bucket_ = row;
+        place at;
+        for (rows::used_rows used(of_.rows_, flow_table); used.next(at);) {
+            bucket_ = at.row;
             way_.clear();
-            if (!repair(memory.main(row))) of_.empty(memory.main(row), row_);
+            if (!repair(at)) of_.empty(at, row_);
         }
-        for (uint32_t row = 0;
-             (row = memory.next_used(flow_ohash_table, row)) < memory.overflow_rows(); ++row)
-            if (!used_[row]) of_.empty(memory.overflow(row), row_);
+        for (rows::used_rows used(of_.rows_, flow_ohash_table); used.next(at);)
+            if (!used_[at.row]) of_.empty(at, row_);
         of_.note_rows_in_use();
         return SDK_RET_OK;
     }

@@ -55,13 +55,11 @@ uint64_t ftl_access::count(const ftl_base &table) {
 
 void ftl_access::for_each(ftl_base &table, const std::function<bool(const stored_flow &)> &see) {
     if (table.impl_ == nullptr) return;
-    std::vector<bucket_row> bucket;
-    uint32_t row = 0;
-    while (table.impl_->next_bucket(row, bucket)) {
-        for (const bucket_row &one : bucket)
-            if (!see({one.at.table, one.at.row, one.path, one.image})) return;
-        ++row;
-    }
+    table.impl_->for_each_bucket([&](const std::vector<bucket_row> &bucket) {
+        return std::all_of(bucket.begin(), bucket.end(), [&](const bucket_row &one) {
+            return see({one.at.table, one.at.row, one.path, one.image});
+        });
+    });
 }
 
 ftl_access::flow_statistics ftl_access::statistics(ftl_base &table) {

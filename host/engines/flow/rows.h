@@ -9,6 +9,7 @@
 #include "host/adapter.h"
 #include "sdk/base_table_entry.h"
 
+#include <algorithm>
 #include <atomic>
 #include <bit>
 #include <cstdint>
@@ -53,9 +54,48 @@ class rows {
     uint32_t main_rows() const { return main_rows_; }
     uint32_t overflow_rows() const { return overflow_rows_; }
     place main(uint32_t row) const { return {flow_table, row, main_ + offset(row)}; }
+    place at(uint32_t table, uint32_t row) const {
+        return table == flow_table ? main(row) : overflow(row);
+    }
     place overflow(uint32_t row) const { return {flow_ohash_table, row, overflow_ + offset(row)}; }
-    uint32_t next_used(uint32_t table, uint32_t from) const {
-        return hardware_->next_used(table, from);
+
+    // The rows of a table that are not all zero, in order. Untouched memory is stepped over without
+    // a look: looking would make the kernel provide it.
+    class used_rows {
+      public:
+        used_rows(const rows &of, uint32_t table)
+            : of_(of),
+              table_(table),
+              depth_(table == flow_table ? of.main_rows() : of.overflow_rows()) {}
+
+        // False at the end.
+        bool next(place &found) {
+            for (; row_ < page_end_; ++row_) {
+                found = of_.at(table_, row_);
+                if (is_empty(found)) continue;
+                ++row_;
+                return true;
+            }
+            row_ = of_.hardware_->next_used(table_, row_);
+            if (row_ >= depth_) return false;
+            page_end_ = std::min(depth_, (row_ / rows_per_page + 1) * rows_per_page);
+            found = of_.at(table_, row_++);
+            return true;
+        }
+
+      private:
+        static constexpr uint32_t rows_per_page = 4096 / flow_row_bytes;
+        const rows &of_;
+        uint32_t table_;
+        uint32_t depth_;
+        uint32_t row_ = 0;
+        uint32_t page_end_ = 0;  // up to here the memory was touched
+    };
+
+    static bool is_empty(const place &row) {
+        for (uint32_t i = 0; i < words_per_row; ++i)
+            if (word_at(row, i).load(std::memory_order_acquire) != 0) return false;
+        return true;
     }
 
     // Fills the entry's body; its `valid` is left alone.
