@@ -14,8 +14,6 @@ namespace halden::host {
 
 namespace {
 
-constexpr size_t page_bytes = 4096;
-
 [[noreturn]] void fail(const std::string &path, const std::string &what) {
     throw std::runtime_error((path.empty() ? "adapter memory" : path) + ": " + what);
 }
@@ -87,7 +85,7 @@ bool region::next_used_page(size_t from, size_t &begin, size_t &end) const {
     const size_t first_page = reinterpret_cast<uintptr_t>(base_) / page_bytes;
     const size_t pages = (bytes_ + page_bytes - 1) / page_bytes;
     size_t found = pages, stop = pages;
-    for (size_t page = from / page_bytes; table >= 0 && page < pages && stop == pages;) {
+    for (size_t page = from / page_bytes; table >= 0 && page < pages && found == pages;) {
         uint64_t entries[most];
         const size_t wanted = std::min(most, pages - page);
         const ssize_t got = pread(table, entries, wanted * sizeof entries[0],
@@ -102,7 +100,10 @@ bool region::next_used_page(size_t from, size_t &begin, size_t &end) const {
             if (used && found == pages) found = page + i;
             if (!used && found != pages) stop = page + i;
         }
+        // What comes behind these entries is left to the next call: a scan of memory that is all
+        // touched would otherwise look through all that is left of it again and again.
         page += count;
+        if (found != pages) stop = std::min(stop, page);
     }
     if (table < 0)
         found = from / page_bytes;

@@ -25,8 +25,9 @@ class region {
     uint8_t *base() const { return base_; }
     size_t size() const { return bytes_; }
 
-    // The first bytes at or behind `from` that may hold anything but zeros, a page of them at most;
-    // false when there are none. Lets a scan step over rows that were never touched.
+    // The first bytes at or behind `from` that may hold anything but zeros; false when there are
+    // none. More of them may follow right behind `end`. Lets a scan step over rows that were never
+    // touched.
     bool next_used(size_t from, size_t &begin, size_t &end) const;
 
   private:

@@ -33,6 +33,12 @@ uint32_t hash_of(uint64_t number);
 std::vector<uint64_t> numbers_with_hash(uint32_t mask, uint32_t value, size_t count);
 std::vector<uint64_t> numbers_up_to(uint64_t end);
 
+// An entry that may stand in a container: the class itself has virtual operations and, as its table
+// is fixed, no virtual destructor, which compilers do not like to see destroyed.
+struct kept_entry {
+    flow_hash_entry_t entry;
+};
+
 // Rows by table and number.
 using memory_image = std::map<std::pair<uint32_t, uint32_t>, host::flow_image>;
 

@@ -138,11 +138,11 @@ TEST(FlowCalls, TheRowEqualsWhatTheLibraryPacks) {
 struct batch {
     explicit batch(const std::vector<uint64_t> &numbers) {
         for (const uint64_t number : numbers)
-            entries.push_back(entry_of(number, static_cast<uint32_t>(number + 1000)));
-        for (flow_hash_entry_t &entry : entries) pointers.push_back(&entry);
+            entries.push_back({entry_of(number, static_cast<uint32_t>(number + 1000))});
+        for (kept_entry &kept : entries) pointers.push_back(&kept.entry);
         results.assign(numbers.size(), SDK_RET_ERR);
     }
-    std::vector<flow_hash_entry_t> entries;
+    std::vector<kept_entry> entries;
     std::vector<base_table_entry_t *> pointers;
     std::vector<sdk_ret_t> results;
 };
@@ -166,12 +166,13 @@ TEST(FlowBatch, EachEntryIsTreatedAsByACallOfItsOwn) {
     bed.expect_exactly_the_flows(numbers_up_to(150));
 
     batch out(numbers_up_to(150));
-    for (flow_hash_entry_t &entry : out.entries) entry.clear_data();
+    for (kept_entry &kept : out.entries) kept.entry.clear_data();
     EXPECT_EQ(ftl_access::get_batch(bed.table(), out.pointers, out.results), 100u);
     for (size_t i = 0; i < 150; ++i) {
         ASSERT_EQ(out.results[i], i < 100 ? 0u : 4u) << i;
-        ASSERT_EQ(lay::get_bits<lay::flow_idx>(out.entries[i].body()), i < 100 ? i + 1000 : 0u);
-        ASSERT_EQ(out.entries[i].valid, i < 100 ? 1u : 0u) << i;
+        ASSERT_EQ(lay::get_bits<lay::flow_idx>(out.entries[i].entry.body()),
+                  i < 100 ? i + 1000 : 0u);
+        ASSERT_EQ(out.entries[i].entry.valid, i < 100 ? 1u : 0u) << i;
     }
 
     batch gone({3, 3, 120, 50, 51, 52, 53, 99});

@@ -46,7 +46,7 @@ class FlowThreads : public testing::TestWithParam<host::adapter_options> {
   protected:
     void SetUp() override {
         for (uint64_t key = 0; key < keys; ++key) {
-            entries_.push_back(entry_of(key));
+            entries_.push_back({entry_of(key)});
             if (!stays(key)) continue;
             ASSERT_EQ(bed_.insert(key, flow_idx_of(key, 0)), SDK_RET_OK);
         }
@@ -63,7 +63,7 @@ class FlowThreads : public testing::TestWithParam<host::adapter_options> {
         while (!stop_.load(std::memory_order_relaxed)) {
             const uint64_t key = random() % (keys / writers) * writers + self;
             if (never_comes(key)) continue;
-            call_entry one(entries_[key]);
+            call_entry one(entries_[key].entry);
             const uint32_t flow_idx = flow_idx_of(key, ++version);
             flow_layout::set_bits<flow_layout::flow_idx>(one.entry.body(), flow_idx);
             if (stays(key)) {
@@ -86,7 +86,7 @@ class FlowThreads : public testing::TestWithParam<host::adapter_options> {
         std::mt19937_64 random(seed);
         while (!stop_.load(std::memory_order_relaxed)) {
             const uint64_t key = random() % keys;
-            call_entry one(entries_[key]);
+            call_entry one(entries_[key].entry);
             sdk_ret_t result = SDK_RET_ERR;
             if (random() % 2 == 0) {
                 result = bed_.table().get(&one.call);
@@ -95,7 +95,7 @@ class FlowThreads : public testing::TestWithParam<host::adapter_options> {
                 ftl_access::get_batch(bed_.table(), {&entry, 1}, {&result, 1});
             }
             if (result == SDK_RET_OK) {
-                flow_hash_entry_t asked = entries_[key];
+                flow_hash_entry_t asked = entries_[key].entry;
                 check(!never_comes(key) && key_of(one.flow_idx()) == key &&
                       one.entry.compare_key(&asked));
             } else {
@@ -112,7 +112,7 @@ class FlowThreads : public testing::TestWithParam<host::adapter_options> {
                 stored.copy_to(entry);
                 const uint64_t key = key_of(static_cast<uint32_t>(
                     flow_layout::get_bits<flow_layout::flow_idx>(entry.body())));
-                flow_hash_entry_t named = entries_[key];
+                flow_hash_entry_t named = entries_[key].entry;
                 check(!never_comes(key) && entry.compare_key(&named));
                 staying += stays(key);
                 return true;
@@ -130,7 +130,7 @@ class FlowThreads : public testing::TestWithParam<host::adapter_options> {
     }
 
     flow_bed bed_{GetParam()};
-    std::vector<flow_hash_entry_t> entries_;
+    std::vector<kept_entry> entries_;
     std::vector<uint32_t> last_ = std::vector<uint32_t>(keys);
     std::atomic<bool> stop_ = false;
     std::atomic<uint64_t> wrong_ = 0, calls_ = 0;
@@ -178,7 +178,7 @@ TEST_P(FlowThreads, TwentyFourThreads) {
 TEST_P(FlowThreads, AThousandThreadsOneAfterAnother) {
     for (unsigned i = 0; i < 1000; ++i)
         std::thread([this] {
-            call_entry one(entries_[0]);
+            call_entry one(entries_[0].entry);
             check(bed_.table().get(&one.call) == SDK_RET_OK);
         }).join();
     EXPECT_EQ(wrong_.load(), 0u);
