@@ -15,7 +15,7 @@ class Directmap : public TableBed {
     }
     // Whether a key can name the row behind the last; else the key's bits name another one.
     bool has_bits_behind() const {
-        for (const uint32_t id : {18, 19, 24, 28, 29, 30, 31, 34, 38})
+        for (const uint32_t id : {18u, 19u, 24u, 28u, 29u, 30u, 31u, 34u, 38u})
             if (t().id == id) return false;
         return true;
     }
