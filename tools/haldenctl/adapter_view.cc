@@ -3,10 +3,12 @@
 #include <array>
 #include <iostream>
 
+#include "host/memory/memory_map.h"
 #include "host/view/lookup.h"
 #include "p4pd.h"
 #include "sdk/p4pd_utils.h"
 #include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/value.h"
 
 namespace halden::tool {
 
@@ -83,6 +85,15 @@ std::optional<records> read_back(host::adapter &adapter, const table &t, uint32_
                         false) != P4PD_SUCCESS)
         return std::nullopt;
     return out;
+}
+
+uint32_t parse_row(const table &t, std::string_view text) {
+    try {
+        return static_cast<uint32_t>(parse_value(text, 32));
+    } catch (const failure &) {
+        throw failure("'" + quotable(text) + "' is no row; allowed: 0 to " +
+                      std::to_string(host::table_memory_of(t.id)->rows - 1));
+    }
 }
 
 void check_row(host::adapter &adapter, const table &t, uint32_t row) {

@@ -46,6 +46,8 @@ std::optional<stored_row> stored_at(host::adapter &adapter, const pipeline::tabl
 // The entry as the library reads it back. Nothing for an empty row.
 std::optional<records> read_back(host::adapter &adapter, const pipeline::table &t, uint32_t row);
 
+// A row as people write it; throws failure when the table has none such.
+uint32_t parse_row(const pipeline::table &t, std::string_view text);
 // Throws failure when the table has no such row.
 void check_row(host::adapter &adapter, const pipeline::table &t, uint32_t row);
 

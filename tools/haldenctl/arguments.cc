@@ -1,5 +1,6 @@
 #include "tools/haldenctl/arguments.h"
 
+#include "tools/haldenctl/adapter_view.h"
 #include "tools/haldenctl/failure.h"
 #include "tools/haldenctl/naming.h"
 
@@ -92,7 +93,7 @@ class index_values {
         try {
             given_ = true;
             if (name == "index") {
-                row_ = static_cast<uint32_t>(parse_value(value, 32));
+                row_ = parse_row(*of_, value);
                 return;
             }
             const size_t n = field_of(of_->index, name, "index field");

@@ -27,7 +27,7 @@ struct planned {
 
 // What has to be done for one entry.
 struct step {
-    enum class what : uint8_t { create, update, nothing } todo;
+    enum class what : uint8_t { create, update, nothing } work;
     std::string difference;
 };
 
@@ -151,20 +151,20 @@ struct apply_options {
 
 void apply(opened_tables &tables, const apply_options &wanted) {
     std::vector<file_entry> entries = read_entry_file(wanted.path);
-    const std::vector<planned> todo = plan(*tables, entries);
+    const std::vector<planned> work = plan(*tables, entries);
     counts count;
     size_t done = 0;
     {
-        progress shown(todo.size());
-        for (const planned &p : todo) {
+        progress shown(work.size());
+        for (const planned &p : work) {
             const step s = step_for(p);
             tev_tbl_ret_t result = TEV_TBL_RET_OK;
             const char *word = "unchanged";
-            if (s.todo == step::what::create) {
+            if (s.work == step::what::create) {
                 word = wanted.dry ? "create" : "created";
                 if (!wanted.dry) result = create_entry(p.given->entry, p.index);
                 ++count.created;
-            } else if (s.todo == step::what::update) {
+            } else if (s.work == step::what::update) {
                 word = wanted.dry ? "update" : "updated";
                 if (!wanted.dry) result = update_entry(p.given->entry, p.index);
                 ++count.updated;
@@ -173,12 +173,12 @@ void apply(opened_tables &tables, const apply_options &wanted) {
             }
             if (result != TEV_TBL_RET_OK)
                 throw failure(p.given->place + ": " +
-                              (s.todo == step::what::create ? "create" : "update") + ": result " +
-                              tool::name_of(result) + "; " + applied_so_far(done, todo.size()));
+                              (s.work == step::what::create ? "create" : "update") + ": result " +
+                              tool::name_of(result) + "; " + applied_so_far(done, work.size()));
             ++done;
             shown.at(done);
             if (wanted.quiet) continue;
-            std::cout << painted(word, s.todo == step::what::nothing ? colour::dim : colour::good)
+            std::cout << painted(word, s.work == step::what::nothing ? colour::dim : colour::good)
                       << "  " << name_of(*p.given, p.index)
                       << (s.difference.empty() ? "" : "  " + s.difference) << "\n";
         }

@@ -47,7 +47,7 @@ found_row row_named(host::adapter &adapter, const table &t, const std::vector<st
                 throw failure("'" + given[0] + "' is no row; allowed: 0 to " +
                               std::to_string(adapter.depth(t.id) - 1) +
                               (is_keyed(t.kind) ? ", or the key as FIELD=VALUE" : ""));
-            const auto row = static_cast<uint32_t>(parse_value(given[0], 32));
+            const uint32_t row = parse_row(t, given[0]);
             check_row(adapter, t, row);
             return {&t, row};
         }

@@ -1,9 +1,11 @@
 #include "tools/haldenctl/entry_file.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <set>
 
+#include "tools/haldenctl/adapter_view.h"
 #include "tools/haldenctl/naming.h"
 
 namespace halden::tool {
@@ -50,7 +52,7 @@ std::string reason_of(const std::exception &error) {
     return text;
 }
 
-std::string kind_of(const json &value) { return value.dump().substr(0, 40); }
+std::string kind_of(const json &value) { return quotable(value.dump()); }
 
 const json &object(const json &value, const char *what) {
     if (!value.is_object())
@@ -123,7 +125,7 @@ uint32_t index_of_fields(const table &t, const json &fields) {
 uint32_t read_index(const table &t, const json &value) {
     if (value.is_object()) return index_of_fields(t, value);
     try {
-        return static_cast<uint32_t>(json_value(value, 32, false).value);
+        return parse_row(t, value.is_string() ? value.get<std::string>() : value.dump());
     } catch (const failure &error) {
         throw error.inside("index");
     }
@@ -169,6 +171,19 @@ json entries_of(json &whole) {
     return std::move(whole["entries"]);
 }
 
+// The whole of a file. nlohmann-json would take a NUL for its end.
+std::string content_of(std::istream &in) {
+    std::string out;
+    char piece[1 << 16];
+    while (in.read(piece, sizeof piece) || in.gcount() != 0)
+        out.append(piece, static_cast<size_t>(in.gcount()));
+    if (in.bad()) throw failure("cannot be read");
+    if (const auto nul = std::find(out.begin(), out.end(), '\0'); nul != out.end())
+        throw failure("line " + std::to_string(1 + std::count(out.begin(), nul, '\n')) +
+                      ": a NUL byte stands there; allowed: text");
+    return out;
+}
+
 }  // namespace
 
 written_value json_value(const json &value, unsigned bits, bool may_be_masked) {
@@ -186,10 +201,11 @@ std::vector<file_entry> read_entries(std::istream &in, const std::string &name) 
     std::string place = name;
     try {
         member_names names;
-        json whole = json::parse(in, [&](int depth, json::parse_event_t event, json &parsed) {
-            names.see(depth, event, parsed);
-            return true;
-        });
+        json whole =
+            json::parse(content_of(in), [&](int depth, json::parse_event_t event, json &parsed) {
+                names.see(depth, event, parsed);
+                return true;
+            });
         const json entries = entries_of(whole);
         size_t number = 0;
         for (const json &given : entries) {

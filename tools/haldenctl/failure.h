@@ -5,6 +5,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace halden::tool {
 
@@ -14,5 +15,10 @@ class failure : public std::runtime_error {
     // The same, found inside `where`: "lif_mapping: src_lport: ...".
     failure inside(const std::string &where) const { return failure(where + ": " + what()); }
 };
+
+// Text as one line that leaves the terminal as it is: control characters as \x and two digits.
+std::string printable(std::string_view text);
+// What was given, as an error quotes it: printable, and cut when it is long, between characters.
+std::string quotable(std::string_view given);
 
 }  // namespace halden::tool

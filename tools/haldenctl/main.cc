@@ -3,6 +3,9 @@
 // Exit status: 0 done; 1 the input or the adapter would not have it, one line on standard error; 2
 // the command line was not understood.
 
+#include <unistd.h>
+
+#include <csignal>
 #include <cstdlib>
 #include <iostream>
 
@@ -24,11 +27,29 @@ std::string misunderstanding(const CLI::App &app, const CLI::ParseError &error) 
     return halden::tool::unknown("command", rest[0], {names.begin(), names.end()});
 }
 
+// A page of a memory file that the disk has no room for is only missed when it is written to.
+extern "C" void report_lost_memory(int) {
+    constexpr char text[] =
+        "haldenctl: the adapter's memory could not be written or read; is its disk full?\n";
+    (void)!write(STDERR_FILENO, text, sizeof text - 1);
+    _exit(1);
+}
+
+// Whether all that was printed has gone out.
+bool written() {
+    std::cout.flush();
+    if (!std::cout) std::cerr << "haldenctl: standard output cannot be written\n";
+    return !!std::cout;
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
     using namespace halden;
     constexpr int refused = 1, not_understood = 2;
+
+    std::signal(SIGBUS, report_lost_memory);
+    std::signal(SIGXFSZ, SIG_IGN);  // the call that grows a file too far fails and is reported
 
     CLI::App app(
         "The match-action tables of the halden pipeline: what they are, what stands in "
@@ -94,17 +115,18 @@ int main(int argc, char **argv) {
 
     try {
         app.parse(argc, argv);
-        std::cout.flush();
-        if (!std::cout) throw tool::failure("standard output cannot be written");
+        return written() ? 0 : refused;
     } catch (const CLI::ParseError &error) {
-        if (error.get_exit_code() == 0) return app.exit(error);  // help and version
-        std::cerr << "haldenctl: " << misunderstanding(app, error)
+        if (error.get_exit_code() == 0) {  // help and version
+            app.exit(error);
+            return written() ? 0 : refused;
+        }
+        std::cerr << "haldenctl: " << tool::printable(misunderstanding(app, error))
                   << "; `haldenctl --help` says more\n";
         return not_understood;
     } catch (const std::exception &error) {
         std::cout.flush();
-        std::cerr << "haldenctl: " << error.what() << "\n";
+        std::cerr << "haldenctl: " << tool::printable(error.what()) << "\n";
         return refused;
     }
-    return 0;
 }

@@ -45,9 +45,10 @@ std::optional<uint32_t> id_of(std::string_view text) {
 std::string unknown(std::string_view what, std::string_view given,
                     const std::vector<std::string_view> &names) {
     constexpr size_t most_listed = 12;
-    std::string out = "no " + std::string(what) + " '" + std::string(given) + "'";
-    const std::string small = lower(given);
-    size_t best = 1 + std::max<size_t>(2, given.size() / 3);
+    const std::string cut = quotable(given);
+    std::string out = "no " + std::string(what) + " '" + cut + "'";
+    const std::string small = lower(cut);
+    size_t best = 1 + std::max<size_t>(2, small.size() / 3);
     std::string_view nearest;
     for (std::string_view name : names) {
         const std::string other = lower(name);
@@ -81,7 +82,7 @@ const pipeline::table &table_named(std::string_view name) {
     }
     if (const auto id = id_of(name)) {
         if (const pipeline::table *t = pipeline::find_table(*id)) return *t;
-        throw failure("no table " + std::string(name) + "; allowed: 1 to " +
+        throw failure("no table " + quotable(name) + "; allowed: 1 to " +
                       std::to_string(pipeline::table_count) + ", or a name of `haldenctl tables`");
     }
     const std::string text = unknown("table", name, names);
@@ -96,7 +97,7 @@ size_t action_named(const pipeline::table &t, std::string_view name) {
     }
     if (const auto id = id_of(name)) {
         if (*id < t.actions.size()) return *id;
-        throw failure("no action " + std::string(name) + "; allowed: 0 to " +
+        throw failure("no action " + quotable(name) + "; allowed: 0 to " +
                       std::to_string(t.actions.size() - 1));
     }
     throw failure(unknown("action", name, names));

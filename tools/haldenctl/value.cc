@@ -14,13 +14,20 @@ namespace {
 
 constexpr unsigned mac_bits = 48, ipv4_bits = 32, ipv6_bits = 128;
 
-std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
+std::string quoted(std::string_view text) { return "'" + quotable(text) + "'"; }
 
 int digit_of(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
     if (c >= 'A' && c <= 'F') return c - 'A' + 10;
     return 16;
+}
+
+// Bytes of the character of UTF-8 in front of `text`.
+size_t character_size(std::string_view text) {
+    size_t size = 1;
+    while (size < text.size() && (text[size] & 0xc0) == 0x80) ++size;
+    return size;
 }
 
 // Nothing when `text` is no number of the base; digits may be grouped by '_'.
@@ -57,6 +64,7 @@ std::optional<wide> mac_of(std::string_view text) {
 template <size_t N>
 std::optional<wide> address_of(int family, std::string_view text) {
     std::array<uint8_t, N> bytes = {};
+    if (text.find('\0') != text.npos) return std::nullopt;  // where inet_pton would stop
     if (inet_pton(family, std::string(text).c_str(), bytes.data()) != 1) return std::nullopt;
     wide value = 0;
     for (uint8_t byte : bytes) value = value << 8 | byte;
@@ -74,7 +82,7 @@ std::string address_text(int family, wide value) {
 
 wide fitting(std::string_view text, wide value, unsigned bits, bool too_wide = false) {
     if (too_wide || value > all_ones(bits))
-        throw failure(std::string(text) + " does not fit " + std::to_string(bits) +
+        throw failure(quotable(text) + " does not fit " + std::to_string(bits) +
                       (bits == 1 ? " bit; allowed: " : " bits; allowed: ") + range_of(bits));
     return value;
 }
@@ -101,7 +109,7 @@ wide plain(std::string_view text, unsigned bits) {
 
     if (const auto mac = mac_of(text)) {
         if (bits != mac_bits)
-            throw failure("the MAC address " + std::string(text) + " does not fit " +
+            throw failure("the MAC address " + quotable(text) + " does not fit " +
                           std::to_string(bits) + " bits; allowed: " + range_of(bits));
         return *mac;
     }
@@ -111,7 +119,7 @@ wide plain(std::string_view text, unsigned bits) {
             throw failure(quoted(text) +
                           " is no IPv4 address; allowed: four numbers from 0 to 255, as 192.0.2.1");
         if (bits != ipv4_bits && bits != ipv6_bits)
-            throw failure("the IPv4 address " + std::string(text) + " does not fit " +
+            throw failure("the IPv4 address " + quotable(text) + " does not fit " +
                           std::to_string(bits) + " bits; allowed: " + range_of(bits));
         return *address;
     }
@@ -125,7 +133,7 @@ wide plain(std::string_view text, unsigned bits) {
             throw failure(quoted(text) +
                           " is no IPv6 address; allowed: groups of hex digits, as 2001:db8::1");
         if (bits != ipv6_bits)
-            throw failure("the IPv6 address " + std::string(text) + " does not fit " +
+            throw failure("the IPv6 address " + quotable(text) + " does not fit " +
                           std::to_string(bits) + " bits; allowed: " + range_of(bits));
         return *address;
     }
@@ -144,7 +152,7 @@ wide prefix_mask(std::string_view value, std::string_view length, unsigned bits)
     bool too_wide = false;
     const auto number = number_of(length, 10, too_wide);
     if (!number || too_wide || *number > most)
-        throw failure("/" + std::string(length) + " is no prefix length; allowed: 0 to " +
+        throw failure("/" + quotable(length) + " is no prefix length; allowed: 0 to " +
                       std::to_string(most));
     const auto leading = static_cast<unsigned>(*number);
     const wide low = leading == 0 ? 0 : all_ones(leading) << (most - leading);
@@ -279,11 +287,12 @@ std::string bytes_of_hex(std::string_view text) {
     std::string out;
     int high = -1;
     size_t digits = 0;
-    for (char c : text) {
+    for (size_t at = 0; at < text.size(); ++at) {
+        const char c = text[at];
         if (c == ' ' || c == ':' || c == '\n' || c == '\t') continue;
         const int digit = digit_of(c);
         if (digit > 15)
-            throw failure(quoted(std::string_view(&c, 1)) +
+            throw failure(quoted(text.substr(at, character_size(text.substr(at)))) +
                           " is no hex digit; allowed: 0 to 9, a to f, spaces and colons");
         ++digits;
         if (high < 0) {
