@@ -43,8 +43,7 @@ constexpr uint16_t round_up_to_16(uint16_t bits) {
     return static_cast<uint16_t>(rest == 0 ? bits : bits + (16 - rest));
 }
 
-// --- Key
-// ------------------------------------------------------------------------------------------
+// --- Key ----------------------------------------------------------------------------------------
 
 template <const table &T, size_t N>
 [[gnu::always_inline]] inline void unpack_key_field(uint8_t *image, uint8_t *record) {
@@ -84,8 +83,7 @@ inline void decode_ternary(uint8_t *x, uint8_t *y, size_t bytes) {
     }
 }
 
-// --- Action data
-// ----------------------------------------------------------------------------------
+// --- Action data --------------------------------------------------------------------------------
 
 // Bit of the row, counted behind the program counter if there is one, where a field stands.
 template <const table &T>
@@ -137,8 +135,7 @@ template <const table &T>
     }
 }
 
-// --- Readers
-// --------------------------------------------------------------------------------------
+// --- Readers ------------------------------------------------------------------------------------
 
 struct read_records {
     uint8_t *key;
