@@ -36,9 +36,6 @@ namespace halden::log {
 #ifndef SPDLOG_HEADER_ONLY
 #define SPDLOG_HEADER_ONLY
 #endif
-#ifndef SPDLOG_FMT_EXTERNAL
-#define SPDLOG_FMT_EXTERNAL
-#endif
 // The library's thread-local storage is kept to what the flow hash needs.
 #define SPDLOG_NO_TLS
 

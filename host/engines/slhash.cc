@@ -125,10 +125,12 @@ sdk_ret_t slhash::impl::remove(const sdk_table_api_params_ *params) {
     const auto at = find(images, bad, nullptr);
     if (!at) return bad;
     record_bytes data;
-    if ((bad = at->table->read(at->row, data)) != SDK_RET_OK) return bad;
+    bad = at->table->read(at->row, data);
+    if (bad != SDK_RET_OK) return bad;
     const bool in_overflow = at->table == &overflow;
     if (in_overflow) free_rows.reserve(free_rows.size() + 1);
-    if ((bad = at->table->clear(at->row)) != SDK_RET_OK) return bad;
+    bad = at->table->clear(at->row);
+    if (bad != SDK_RET_OK) return bad;
     if (in_overflow) {
         free_rows.push_back(at->row);
         overflowed.erase(images.ones);
@@ -144,7 +146,8 @@ sdk_ret_t slhash::impl::get(const sdk_table_api_params_ *params) const {
     const auto at = find(main.images_of(params->key, nullptr), bad, nullptr);
     if (!at) return bad;
     record_bytes data;
-    if ((bad = at->table->read(at->row, data)) != SDK_RET_OK) return bad;
+    bad = at->table->read(at->row, data);
+    if (bad != SDK_RET_OK) return bad;
     if (params->data != nullptr) std::memcpy(params->data, data.data(), main.data_bytes());
     return SDK_RET_OK;
 }

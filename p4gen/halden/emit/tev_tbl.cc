@@ -160,9 +160,9 @@ std::string tev_tbl_source() {
     for (const table *t : tables) {
         if (!has_api(*t)) continue;
         const std::string name(t->name), type = name + "_api";
-        out += "using " + type + " = " + implementation(*t) + ";\n" +
-               "static_assert(sizeof(tev_tbl_" + name + "_spec_t) == " + number(spec_bytes(*t)) +
-               ");\n";
+        out += "using " + type + " = " + implementation(*t) + ";\n";
+        out += "static_assert(sizeof(tev_tbl_" + name + "_spec_t) == ";
+        out += number(spec_bytes(*t)) + ");\n";
         for (const operation &o : operations)
             out += prototype(*t, o) + " { return " + type + "::" + o.method + "(" + o.arguments +
                    "); }\n";
