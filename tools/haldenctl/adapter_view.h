@@ -39,6 +39,7 @@ struct stored_row {
     std::vector<uint8_t> key, mask;  // TCAM images
     std::vector<uint8_t> data;
     uint32_t data_bits = 0;
+    bool operator==(const stored_row &) const = default;
 };
 // `row` is the table's own, also for an overflow table. Nothing for an empty row.
 std::optional<stored_row> stored_at(host::adapter &adapter, const pipeline::table &t, uint32_t row);

@@ -69,15 +69,22 @@ std::vector<placed> place_all(host::adapter &adapter, std::vector<file_entry> &e
     return out;
 }
 
-void install(host::adapter &adapter, const placed &p) {
+// Writes the entry and answers what stands in the row then.
+std::optional<stored_row> written(host::adapter &adapter, records &entry, uint32_t row) {
+    const host::scoped_current use(adapter);
+    if (p4pd_entry_install(entry.of->id, row, entry.key_pointer(), entry.mask_pointer(),
+                           entry.data.data()) != P4PD_SUCCESS)
+        return std::nullopt;
+    return stored_at(adapter, *entry.of, row);
+}
+
+// The library has no word for what the ASIC layer answered. Memory has: the row must hold what one
+// of `scratch`, which refuses nothing, holds of the same entry.
+void install(host::adapter &adapter, host::adapter &scratch, const placed &p) {
     records &entry = p.given->entry;
-    const table &t = *entry.of;
-    // The library has no word for what the ASIC layer answered; memory has.
-    if (p.replaces) adapter.clear_row(t.id, p.row);
-    const p4pd_error_t result = p4pd_entry_install(t.id, p.row, entry.key_pointer(),
-                                                   entry.mask_pointer(), entry.data.data());
-    const auto stored = stored_at(adapter, t, p.row);
-    if (result != P4PD_SUCCESS || (!stored && row_bits(t) != 0))
+    const auto wanted = written(scratch, entry, 0);
+    const bool no_bits = row_bits(*entry.of) == 0;
+    if ((!wanted && !no_bits) || written(adapter, entry, p.row) != wanted)
         throw failure("the adapter did not take it; --log-level error says why");
 }
 
@@ -153,11 +160,12 @@ std::string count_of(size_t n, const char *one, const char *many) {
 void write(const opened_adapter &adapter, const std::string &path, bool quiet) {
     std::vector<file_entry> entries = read_entry_file(path);
     const std::vector<placed> places = place_all(*adapter, entries);
+    const auto scratch = host::adapter::anonymous();
     std::set<uint32_t> tables_seen;
     size_t number = 0;
     for (const placed &p : places) {
         try {
-            install(*adapter, p);
+            install(*adapter, *scratch, p);
         } catch (const failure &error) {
             throw failure(p.given->place + ": " + error.what() + "; " +
                           count_of(number, "entry", "entries") + " before it written");
