@@ -2,7 +2,7 @@
 
 halden_build_packages="g++ cmake ninja-build pkg-config libspdlog-dev libfmt-dev libcli11-dev nlohmann-json3-dev libpcap-dev"
 halden_test_packages="libgtest-dev libgmock-dev binutils clang-14 clang-format-16 clang-tidy-16 libclang-rt-14-dev"
-halden_bench_packages="libbenchmark-dev"
+halden_bench_packages="libbenchmark-dev libabsl-dev libdpdk-dev libisal-dev"
 
 halden_install() {
     missing=""
