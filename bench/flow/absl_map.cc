@@ -42,27 +42,29 @@ class absl_map : public contender {
     explicit absl_map(uint32_t flows) { map_.reserve(flows); }
     std::string name() const override { return "absl::flat_hash_map"; }
 
-    uint64_t create(const std::vector<padded_key> &keys, order which) override {
+    uint64_t create(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
-        for (uint32_t n : which) done += map_.try_emplace(keys[n], value_of(n)).second ? 1 : 0;
+        for (size_t i = 0; i < numbers.size(); ++i)
+            done += map_.try_emplace(keys[i], value_of(numbers[i])).second ? 1 : 0;
         return done;
     }
-    uint64_t hit(const std::vector<padded_key> &keys, order which) override {
+    uint64_t hit(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
-        for (uint32_t n : which) {
-            const auto at = map_.find(keys[n]);
-            done += at != map_.end() && at->second == value_of(n) ? 1 : 0;
+        for (size_t i = 0; i < numbers.size(); ++i) {
+            const auto at = map_.find(keys[i]);
+            done += at != map_.end() && at->second == value_of(numbers[i]) ? 1 : 0;
         }
         return done;
     }
-    uint64_t miss(const std::vector<padded_key> &keys, order which) override {
+    uint64_t miss(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
-        for (uint32_t n : which) done += map_.find(keys[n]) == map_.end() ? 1 : 0;
+        for (size_t i = 0; i < numbers.size(); ++i)
+            done += map_.find(keys[i]) == map_.end() ? 1 : 0;
         return done;
     }
-    uint64_t remove(const std::vector<padded_key> &keys, order which) override {
+    uint64_t remove(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
-        for (uint32_t n : which) done += map_.erase(keys[n]);
+        for (size_t i = 0; i < numbers.size(); ++i) done += map_.erase(keys[i]);
         return done;
     }
 

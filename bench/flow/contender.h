@@ -21,17 +21,18 @@ struct alignas(16) padded_key {
 };
 static_assert(sizeof(padded_key) == 80);
 
-using order = std::span<const uint32_t>;  // numbers of keys
+using order = std::span<const uint32_t>;  // the number of each key
 
 class contender {
   public:
     virtual ~contender() = default;
     virtual std::string name() const = 0;
-    // Each answers how many calls went as they should. The value of key n is n & 0x3fffff.
-    virtual uint64_t create(const std::vector<padded_key> &keys, order which) = 0;
-    virtual uint64_t hit(const std::vector<padded_key> &keys, order which) = 0;
-    virtual uint64_t miss(const std::vector<padded_key> &keys, order which) = 0;
-    virtual uint64_t remove(const std::vector<padded_key> &keys, order which) = 0;
+    // Each works through `keys` from the first to the last and answers how many calls went as they
+    // should. Key n, wherever it stands, has the value n & 0x3fffff.
+    virtual uint64_t create(const std::vector<padded_key> &keys, order numbers) = 0;
+    virtual uint64_t hit(const std::vector<padded_key> &keys, order numbers) = 0;
+    virtual uint64_t miss(const std::vector<padded_key> &keys, order numbers) = 0;
+    virtual uint64_t remove(const std::vector<padded_key> &keys, order numbers) = 0;
 };
 
 constexpr uint32_t value_of(uint32_t key_number) { return key_number & 0x3fffff; }

@@ -7,6 +7,7 @@
 #include "ftl/flow_hash.h"
 #include "host/adapter.h"
 #include "host/engines/flow/ftl_access.h"
+#include "p4gen/halden/src/flow_key.h"
 
 namespace halden::bench {
 
@@ -17,27 +18,8 @@ namespace lay = flow_layout;
 // What a caller does to make an entry of a key record.
 void fill(flow_hash_entry_t &entry, const flow_swkey_t &key, uint32_t value) {
     uint8_t *body = entry.body();
-    std::memset(body, 0, lay::body_bytes);
-#define BYTES(name) \
-    lay::set_bytes<lay::metadata_flow_key_##name>(body, key.metadata_flow_key_##name)
-#define NUMBER(name) \
-    lay::set_bits<lay::metadata_flow_key_##name>(body, key.metadata_flow_key_##name)
-    BYTES(spare);
-    NUMBER(proto);
-    NUMBER(vlan);
-    NUMBER(vni);
-    NUMBER(outer_flow_id);
-    NUMBER(rsvd);
-    NUMBER(port_id);
-    NUMBER(ktype);
-    BYTES(dmac);
-    BYTES(smac);
-    NUMBER(dport);
-    NUMBER(sport);
-    BYTES(dip);
-    BYTES(sip);
-#undef NUMBER
-#undef BYTES
+    std::memset(body, 0, lay::first_key_word * 8);
+    pack_flow_key(body, reinterpret_cast<const uint8_t *>(&key));
     lay::set_bits<lay::flow_idx>(body, value);
 }
 
@@ -68,34 +50,35 @@ class single_calls : public flow_table {
   public:
     std::string name() const override { return "halden, single calls"; }
 
-    uint64_t create(const std::vector<padded_key> &keys, order which) override {
-        return each(keys, which, [this](auto *params, auto &, uint32_t) {
+    uint64_t create(const std::vector<padded_key> &keys, order numbers) override {
+        return each(keys, numbers, [this](auto *params, auto &, uint32_t) {
             return table_->insert(params) == SDK_RET_OK;
         });
     }
-    uint64_t hit(const std::vector<padded_key> &keys, order which) override {
-        return each(keys, which, [this](auto *params, auto &entry, uint32_t n) {
+    uint64_t hit(const std::vector<padded_key> &keys, order numbers) override {
+        return each(keys, numbers, [this](auto *params, auto &entry, uint32_t n) {
             return table_->get(params) == SDK_RET_OK && value_in(entry) == value_of(n);
         });
     }
-    uint64_t miss(const std::vector<padded_key> &keys, order which) override {
-        return each(keys, which, [this](auto *params, auto &, uint32_t) {
+    uint64_t miss(const std::vector<padded_key> &keys, order numbers) override {
+        return each(keys, numbers, [this](auto *params, auto &, uint32_t) {
             return table_->get(params) == SDK_RET_ENTRY_NOT_FOUND;
         });
     }
-    uint64_t remove(const std::vector<padded_key> &keys, order which) override {
-        return each(keys, which, [this](auto *params, auto &, uint32_t) {
+    uint64_t remove(const std::vector<padded_key> &keys, order numbers) override {
+        return each(keys, numbers, [this](auto *params, auto &, uint32_t) {
             return table_->remove(params) == SDK_RET_OK;
         });
     }
 
   private:
     template <class Call>
-    uint64_t each(const std::vector<padded_key> &keys, order which, Call call) {
+    uint64_t each(const std::vector<padded_key> &keys, order numbers, Call call) {
         uint64_t done = 0;
         flow_hash_entry_t entry;
-        for (uint32_t n : which) {
-            fill(entry, keys[n].key, value_of(n));
+        for (size_t i = 0; i < numbers.size(); ++i) {
+            const uint32_t n = numbers[i];
+            fill(entry, keys[i].key, value_of(n));
             sdk::table::sdk_table_api_params_t params = {};
             params.entry = &entry;
             done += call(&params, entry, n) ? 1 : 0;
@@ -109,23 +92,23 @@ class batch_calls : public flow_table {
   public:
     std::string name() const override { return "halden, batch calls"; }
 
-    uint64_t create(const std::vector<padded_key> &keys, order which) override {
-        return each(keys, which, sdk::table::ftl_access::insert_batch,
+    uint64_t create(const std::vector<padded_key> &keys, order numbers) override {
+        return each(keys, numbers, sdk::table::ftl_access::insert_batch,
                     [](sdk_ret_t result, auto &, uint32_t) { return result == SDK_RET_OK; });
     }
-    uint64_t hit(const std::vector<padded_key> &keys, order which) override {
-        return each(keys, which, sdk::table::ftl_access::get_batch,
+    uint64_t hit(const std::vector<padded_key> &keys, order numbers) override {
+        return each(keys, numbers, sdk::table::ftl_access::get_batch,
                     [](sdk_ret_t result, auto &entry, uint32_t n) {
                         return result == SDK_RET_OK && value_in(entry) == value_of(n);
                     });
     }
-    uint64_t miss(const std::vector<padded_key> &keys, order which) override {
+    uint64_t miss(const std::vector<padded_key> &keys, order numbers) override {
         return each(
-            keys, which, sdk::table::ftl_access::get_batch,
+            keys, numbers, sdk::table::ftl_access::get_batch,
             [](sdk_ret_t result, auto &, uint32_t) { return result == SDK_RET_ENTRY_NOT_FOUND; });
     }
-    uint64_t remove(const std::vector<padded_key> &keys, order which) override {
-        return each(keys, which, sdk::table::ftl_access::remove_batch,
+    uint64_t remove(const std::vector<padded_key> &keys, order numbers) override {
+        return each(keys, numbers, sdk::table::ftl_access::remove_batch,
                     [](sdk_ret_t result, auto &, uint32_t) { return result == SDK_RET_OK; });
     }
 
@@ -133,21 +116,20 @@ class batch_calls : public flow_table {
     static constexpr size_t most = 64;
 
     template <class Call, class Check>
-    uint64_t each(const std::vector<padded_key> &keys, order which, Call call, Check check) {
+    uint64_t each(const std::vector<padded_key> &keys, order numbers, Call call, Check check) {
         uint64_t done = 0;
         flow_hash_entry_t entries[most];
         base_table_entry_t *pointers[most];
         sdk_ret_t results[most];
-        for (size_t at = 0; at < which.size(); at += most) {
-            const size_t count = std::min(most, which.size() - at);
+        for (size_t at = 0; at < numbers.size(); at += most) {
+            const size_t count = std::min(most, numbers.size() - at);
             for (size_t i = 0; i < count; ++i) {
-                const uint32_t n = which[at + i];
-                fill(entries[i], keys[n].key, value_of(n));
+                fill(entries[i], keys[at + i].key, value_of(numbers[at + i]));
                 pointers[i] = &entries[i];
             }
             call(*table_, {pointers, count}, {results, count});
             for (size_t i = 0; i < count; ++i)
-                done += check(results[i], entries[i], which[at + i]) ? 1 : 0;
+                done += check(results[i], entries[i], numbers[at + i]) ? 1 : 0;
         }
         return done;
     }

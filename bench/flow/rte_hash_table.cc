@@ -42,21 +42,22 @@ class rte_hash_table : public contender {
     std::string name() const override {
         return std::string("rte_hash") + (in_bulk_ ? ", bulk" : "") + (huge_ ? "" : ", 4k pages");
     }
-    uint64_t create(const std::vector<padded_key> &keys, order which) override {
+    uint64_t create(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
-        for (uint32_t n : which)
-            done += rte_hash_add_key_data(table_, &keys[n], data_of(n)) == 0 ? 1 : 0;
+        for (size_t i = 0; i < numbers.size(); ++i)
+            done += rte_hash_add_key_data(table_, &keys[i], data_of(numbers[i])) == 0 ? 1 : 0;
         return done;
     }
-    uint64_t hit(const std::vector<padded_key> &keys, order which) override {
-        return look_up(keys, which, true);
+    uint64_t hit(const std::vector<padded_key> &keys, order numbers) override {
+        return look_up(keys, numbers, true);
     }
-    uint64_t miss(const std::vector<padded_key> &keys, order which) override {
-        return look_up(keys, which, false);
+    uint64_t miss(const std::vector<padded_key> &keys, order numbers) override {
+        return look_up(keys, numbers, false);
     }
-    uint64_t remove(const std::vector<padded_key> &keys, order which) override {
+    uint64_t remove(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
-        for (uint32_t n : which) done += rte_hash_del_key(table_, &keys[n]) >= 0 ? 1 : 0;
+        for (size_t i = 0; i < numbers.size(); ++i)
+            done += rte_hash_del_key(table_, &keys[i]) >= 0 ? 1 : 0;
         return done;
     }
 
@@ -65,26 +66,26 @@ class rte_hash_table : public contender {
         return reinterpret_cast<void *>(static_cast<uintptr_t>(value_of(n)));
     }
 
-    uint64_t look_up(const std::vector<padded_key> &keys, order which, bool wanted) {
+    uint64_t look_up(const std::vector<padded_key> &keys, order numbers, bool wanted) {
         uint64_t done = 0;
         if (!in_bulk_) {
-            for (uint32_t n : which) {
+            for (size_t i = 0; i < numbers.size(); ++i) {
                 void *data = nullptr;
-                const bool found = rte_hash_lookup_data(table_, &keys[n], &data) >= 0;
-                done += found == wanted && (!found || data == data_of(n)) ? 1 : 0;
+                const bool found = rte_hash_lookup_data(table_, &keys[i], &data) >= 0;
+                done += found == wanted && (!found || data == data_of(numbers[i])) ? 1 : 0;
             }
             return done;
         }
-        for (size_t at = 0; at < which.size(); at += bulk) {
-            const auto count = static_cast<uint32_t>(std::min<size_t>(bulk, which.size() - at));
+        for (size_t at = 0; at < numbers.size(); at += bulk) {
+            const auto count = static_cast<uint32_t>(std::min<size_t>(bulk, numbers.size() - at));
             const void *wanted_keys[bulk];
             void *data[bulk];
             uint64_t mask = 0;
-            for (uint32_t i = 0; i < count; ++i) wanted_keys[i] = &keys[which[at + i]];
+            for (uint32_t i = 0; i < count; ++i) wanted_keys[i] = &keys[at + i];
             rte_hash_lookup_bulk_data(table_, wanted_keys, count, &mask, data);
             for (uint32_t i = 0; i < count; ++i) {
                 const bool found = (mask >> i & 1) != 0;
-                done += found == wanted && (!found || data[i] == data_of(which[at + i])) ? 1 : 0;
+                done += found == wanted && (!found || data[i] == data_of(numbers[at + i])) ? 1 : 0;
             }
         }
         return done;

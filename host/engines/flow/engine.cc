@@ -1,6 +1,6 @@
 // Setting up, and the way to an entry.
 
-#include "host/engines/flow/engine.h"
+#include "host/engines/flow/engine_work.h"
 
 #include <algorithm>
 #include <bit>
@@ -15,12 +15,24 @@ constexpr uint32_t most_stripes = 4096;
 
 }  // namespace
 
+// A class is known by its virtual table; flow_hash_entry_t's is that of an entry made here.
+bool plain_entry::is_one(base_table_entry_t *entry) {
+    static const flow_hash_entry_t one;
+    const auto table_of = [](const base_table_entry_t *of) {
+        const void *table;
+        std::memcpy(&table, static_cast<const void *>(of), sizeof table);
+        return table;
+    };
+    return table_of(entry) == table_of(&one);
+}
+
 engine::engine(sdk::table::ftl_base &table, const sdk_table_factory_params_ &params)
     : table_(table),
       table_id_(params.table_id),
       hints_(params.num_hints),
       more_slot_(table.get_entry(0, 0)->get_more_hint_slot()),
-      max_chain_(params.max_chain) {}
+      max_chain_(params.max_chain),
+      plain_(plain_entry::is_one(table.get_entry(0, 0))) {}
 
 engine::~engine() {
     table_.ftl_free(table_id_, stripes_, false, stripe_count_ * sizeof(stripe));
@@ -74,79 +86,19 @@ sdk_ret_t engine::hash_of(const sdk_table_api_params_ &call, uint32_t &hash) con
     return result;
 }
 
-// The slot by which a key of `hash` goes on, with its hint; 0 when the path ends here.
-uint32_t engine::next_slot(base_table_entry_t *entry, uint32_t hash, uint32_t &hint) const {
-    const uint32_t last = entry->find_last_hint();
-    if (last == 0) return 0;
-    const uint32_t wanted = hint_hash(hash);
-    const uint32_t end = last == more_slot_ ? more_slot_ - 1 : last;
-    for (uint32_t slot = 1; slot <= end; ++slot) {
-        uint32_t slot_hash = 0;
-        entry->get_hint_hash(slot, hint, slot_hash);
-        if (hint != 0 && slot_hash == wanted) return slot;
-    }
-    if (last != more_slot_) return 0;
-    entry->get_hint(more_slot_, hint);
-    return more_slot_;
-}
-
-// For a new row behind `entry`, on which a path has ended: its more slot is free in any case.
-uint32_t engine::free_slot(base_table_entry_t *entry) const {
-    const uint32_t last = entry->find_last_hint();
-    if (last < hints_) return last + 1;
-    for (uint32_t slot = 1; slot <= hints_; ++slot) {
-        uint32_t hint = 0;
-        entry->get_hint(slot, hint);
-        if (hint == 0) return slot;
-    }
-    return more_slot_;
-}
-
-walk engine::find(base_table_entry_t *cursor, base_table_entry_t *key, uint32_t hash) const {
-    walk way;
-    way.at = rows_.main(main_row(hash));
-    for (uint32_t steps = 0;; ++steps) {
-        rows::load(way.at, cursor);
-        const bool in_use = cursor->get_entry_valid() != 0;
-        if (steps == 0) way.main_in_use = in_use;
-        if (in_use && cursor->compare_key(key)) {
-            way.found = true;
-            return way;
-        }
-        uint32_t hint = 0;
-        const uint32_t slot = next_slot(cursor, hash, hint);
-        if (slot == 0) return way;
-        if (hint >= rows_.overflow_rows() || steps == longest_walk) {
-            way.broken = true;
-            return way;
-        }
-        if (slot == more_slot_) {
-            ++way.continued;
-            way.chained = 0;
-        } else {
-            ++way.chained;
-        }
-        way.parent = way.at;
-        way.slot = slot;
-        way.at = rows_.overflow(hint);
-    }
-}
-
-// The caller's whole entry, from a scratch entry that was read whole.
-void engine::fill(base_table_entry_t *entry, base_table_entry_t *from) {
-    std::memcpy(body_of(entry), body_of(from), flow_row_bytes);
-    entry->set_entry_valid(1);
-}
-
 sdk_ret_t engine::get(base_table_entry_t *entry, uint32_t hash) {
     rows::prefetch(rows_.main(main_row(hash)));
     const scratch_row mine;
-    base_table_entry_t *cursor = scratch(mine, 0);
-    walk way;
-    read_unchanged(stripe_of(main_row(hash)), [&] { way = find(cursor, entry, hash); });
-    if (!way.found) return SDK_RET_ENTRY_NOT_FOUND;
-    fill(entry, cursor);
-    return SDK_RET_OK;
+    return with(entry, mine, [&](auto caller, auto cursor, auto) {
+        walk way;
+        read_unchanged(stripe_of(main_row(hash)), [&] {
+            way = find(cursor, caller, hash);
+            if (way.found) rows::load(way.at, base_of(cursor));
+        });
+        if (!way.found) return SDK_RET_ENTRY_NOT_FOUND;
+        fill(caller, cursor);
+        return SDK_RET_OK;
+    });
 }
 
 }  // namespace halden::host::flow

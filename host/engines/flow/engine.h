@@ -27,6 +27,7 @@
 // Entries are reached through their virtual operations only, in the scratch entries of the table.
 // Column 0 is the row a walk stands on, the other columns serve the operation.
 
+#include "host/engines/flow/entry_handle.h"
 #include "host/engines/flow/free_rows.h"
 #include "host/engines/flow/rows.h"
 #include "host/engines/flow/scratch.h"
@@ -112,14 +113,44 @@ class engine {
 
     template <typename F>
     size_t in_groups(std::span<base_table_entry_t *const> entries, sdk_ret_t *results, F one);
-    bool found_in_main(base_table_entry_t *cursor, base_table_entry_t *entry, uint32_t hash) const;
-    static void fill(base_table_entry_t *entry, base_table_entry_t *from);
-    walk find(base_table_entry_t *cursor, base_table_entry_t *key, uint32_t hash) const;
-    uint32_t next_slot(base_table_entry_t *entry, uint32_t hash, uint32_t &hint) const;
-    uint32_t free_slot(base_table_entry_t *entry) const;
+
+    // Calls `work` with handles of the entry and of the caller's row of scratch entries: plain ones
+    // where both are plain.
+    template <typename F>
+    auto with(base_table_entry_t *entry, const scratch_row &mine, F work) {
+        if (plain_ && plain_entry::is_one(entry))
+            return work(plain_entry(entry), plain_entry(scratch(mine, 0)),
+                        plain_entry(scratch(mine, 1)));
+        return work(entry, scratch(mine, 0), scratch(mine, 1));
+    }
+
+    // E: base_table_entry_t * or plain_entry. engine_work.h has what these do.
+    struct seen_row {
+        bool in_use = false;
+        bool has_key = false;
+        uint32_t slot = 0;  // the path goes on there, with `hint`
+        uint32_t hint = 0;
+    };
+    template <typename E>
+    seen_row look(const place &at, E cursor, E key, uint32_t hash) const;
+    template <typename E>
+    bool found_in_main(E cursor, E entry, uint32_t hash) const;
+    template <typename E>
+    static void fill(E entry, E from);
+    template <typename E>
+    walk find(E cursor, E key, uint32_t hash) const;
+    template <typename E>
+    uint32_t next_slot(E entry, uint32_t hash, uint32_t &hint) const;
+    template <typename E>
+    uint32_t free_slot(E entry) const;
+    template <typename E>
+    sdk_ret_t insert_as(E entry, E cursor, E fresh, uint32_t hash);
+    template <typename E>
+    sdk_ret_t remove_as(E entry, E cursor, E other, uint32_t hash);
     void collect(const place &at, uint32_t path, base_table_entry_t *cursor,
                  std::vector<bucket_row> &out) const;
-    void take_key_and_data(base_table_entry_t *entry, base_table_entry_t *from) const;
+    template <typename E>
+    void take_key_and_data(E entry, E from) const;
     void note_rows_in_use(uint32_t left_out = 0);
 
     // Runs `read` until no writer came between. After many changes under its eyes it takes the
@@ -135,19 +166,25 @@ class engine {
         read();
     }
 
-    // The stores. The caller holds the bucket's lock and has begun a change.
-    void link(const place &parent, base_table_entry_t *parent_entry, uint32_t slot, uint32_t row,
-              uint32_t hash);
-    void unlink(const place &parent, base_table_entry_t *parent_entry, uint32_t slot);
-    void empty(const place &row, base_table_entry_t *entry);
-    void replace(const place &row, base_table_entry_t *entry, base_table_entry_t *by);
-    walk leaf_under(const place &from, base_table_entry_t *cursor) const;
+    // The stores. The caller holds the bucket's lock and has begun a change; entries hold their
+    // rows as they are.
+    template <typename E>
+    void link(const place &parent, E parent_entry, uint32_t slot, uint32_t row, uint32_t hash);
+    template <typename E>
+    void unlink(const place &parent, E parent_entry, uint32_t slot);
+    template <typename E>
+    void empty(const place &row, E entry);
+    template <typename E>
+    void replace(const place &row, E entry, E by);
+    template <typename E>
+    walk leaf_under(const place &from, E cursor) const;
 
     sdk::table::ftl_base &table_;
     uint32_t table_id_;
     uint32_t hints_;  // hint slots used, from slot 1
     uint32_t more_slot_;
     uint32_t max_chain_;
+    bool plain_;  // the scratch entries are
     uint32_t main_shift_ = 32;
     uint32_t stripe_count_ = 0;
     stripe *stripes_ = nullptr;

@@ -1,7 +1,7 @@
 // Calls on many entries. A single call waits for memory twice or more: for the main row, then for
 // each row behind it. Here the first wait is shared by a whole group, and so is the second.
 
-#include "host/engines/flow/engine.h"
+#include "host/engines/flow/engine_work.h"
 
 #include <algorithm>
 
@@ -16,22 +16,20 @@ constexpr size_t group = 32;
 
 // Whether the entry stands in its main row. Where it does not, the next row of the path is on its
 // way when this returns; what another thread changes meanwhile makes the guess useless, not wrong.
-bool engine::found_in_main(base_table_entry_t *cursor, base_table_entry_t *entry,
-                           uint32_t hash) const {
-    rows::load(rows_.main(main_row(hash)), cursor);
-    if (cursor->get_entry_valid() != 0 && cursor->compare_key(entry)) return true;
-    uint32_t hint = 0;
-    if (next_slot(cursor, hash, hint) != 0 && hint < rows_.overflow_rows())
-        rows::prefetch(rows_.overflow(hint));
-    return false;
+template <typename E>
+bool engine::found_in_main(E cursor, E entry, uint32_t hash) const {
+    const place main = rows_.main(main_row(hash));
+    const seen_row seen = look(main, cursor, entry, hash);
+    if (seen.slot != 0 && seen.hint < rows_.overflow_rows())
+        rows::prefetch(rows_.overflow(seen.hint));
+    return seen.has_key;
 }
 
-// `one(entry, hash, cursor, second)` is called twice for every entry, first for all of a group. The
+// `one(entry, hash, mine, second)` is called twice for every entry, first for all of a group. The
 // first call may leave the result to the second by answering SDK_RET_RETRY.
 template <typename F>
 size_t engine::in_groups(std::span<base_table_entry_t *const> entries, sdk_ret_t *results, F one) {
     const scratch_row mine;
-    base_table_entry_t *cursor = scratch(mine, 0);
     size_t succeeded = 0;
     uint32_t hashes[group];
     for (; !entries.empty(); entries = entries.subspan(std::min(group, entries.size()))) {
@@ -49,7 +47,7 @@ size_t engine::in_groups(std::span<base_table_entry_t *const> entries, sdk_ret_t
         for (const bool second : {false, true})
             for (size_t i = 0; i < count; ++i)
                 if (results[i] == SDK_RET_RETRY)
-                    results[i] = one(entries[i], hashes[i], cursor, second);
+                    results[i] = one(entries[i], hashes[i], mine, second);
         for (size_t i = 0; i < count; ++i) succeeded += results[i] == SDK_RET_OK;
         results += count;
     }
@@ -59,9 +57,10 @@ size_t engine::in_groups(std::span<base_table_entry_t *const> entries, sdk_ret_t
 size_t engine::insert(std::span<base_table_entry_t *const> entries, sdk_ret_t *results) {
     return in_groups(
         entries, results,
-        [&](base_table_entry_t *entry, uint32_t hash, base_table_entry_t *cursor, bool second) {
+        [&](base_table_entry_t *entry, uint32_t hash, const scratch_row &mine, bool second) {
             if (second) return insert(entry, hash);
-            found_in_main(cursor, entry, hash);
+            with(entry, mine,
+                 [&](auto caller, auto cursor, auto) { found_in_main(cursor, caller, hash); });
             return SDK_RET_RETRY;
         });
 }
@@ -69,9 +68,10 @@ size_t engine::insert(std::span<base_table_entry_t *const> entries, sdk_ret_t *r
 size_t engine::remove(std::span<base_table_entry_t *const> entries, sdk_ret_t *results) {
     return in_groups(
         entries, results,
-        [&](base_table_entry_t *entry, uint32_t hash, base_table_entry_t *cursor, bool second) {
+        [&](base_table_entry_t *entry, uint32_t hash, const scratch_row &mine, bool second) {
             if (second) return remove(entry, hash);
-            found_in_main(cursor, entry, hash);
+            with(entry, mine,
+                 [&](auto caller, auto cursor, auto) { found_in_main(cursor, caller, hash); });
             return SDK_RET_RETRY;
         });
 }
@@ -79,14 +79,17 @@ size_t engine::remove(std::span<base_table_entry_t *const> entries, sdk_ret_t *r
 size_t engine::get(std::span<base_table_entry_t *const> entries, sdk_ret_t *results) {
     return in_groups(
         entries, results,
-        [&](base_table_entry_t *entry, uint32_t hash, base_table_entry_t *cursor, bool second) {
+        [&](base_table_entry_t *entry, uint32_t hash, const scratch_row &mine, bool second) {
             if (second) return get(entry, hash);
-            const stripe &shared = stripe_of(main_row(hash));
-            const uint32_t seen = shared.version();
-            if (!found_in_main(cursor, entry, hash) || !shared.unchanged(seen))
-                return SDK_RET_RETRY;
-            fill(entry, cursor);
-            return SDK_RET_OK;
+            return with(entry, mine, [&](auto caller, auto cursor, auto) {
+                const stripe &shared = stripe_of(main_row(hash));
+                const uint32_t seen = shared.version();
+                if (!found_in_main(cursor, caller, hash)) return SDK_RET_RETRY;
+                rows::load(rows_.main(main_row(hash)), base_of(cursor));
+                if (!shared.unchanged(seen)) return SDK_RET_RETRY;
+                fill(caller, cursor);
+                return SDK_RET_OK;
+            });
         });
 }
 

@@ -9,7 +9,7 @@
 //     place is still a leaf;
 //   * a leaf whose key stands in a row before it: its copy was made, the leaf is to go.
 
-#include "host/engines/flow/engine.h"
+#include "host/engines/flow/engine_work.h"
 
 #include <algorithm>
 
@@ -32,10 +32,10 @@ class restorer {
         for (rows::used_rows used(of_.rows_, flow_table); used.next(at);) {
             bucket_ = at.row;
             way_.clear();
-            if (!repair(at)) of_.empty(at, row_);
+            if (!repair(at)) make_empty(at);
         }
         for (rows::used_rows used(of_.rows_, flow_ohash_table); used.next(at);)
-            if (!used_[at.row]) of_.empty(at, row_);
+            if (!used_[at.row]) make_empty(at);
         of_.note_rows_in_use();
         return SDK_RET_OK;
     }
@@ -50,6 +50,11 @@ class restorer {
         sdk_table_api_params_ call = {};
         call.entry = entry;
         return of_.hash_of(call, hash);
+    }
+
+    void make_empty(const place &at) {
+        rows::load(at, row_);
+        of_.empty(at, row_);
     }
 
     // Whether the flows behind a hint are looked for there: the first valid row on the way to a

@@ -18,7 +18,7 @@ std::atomic<uint32_t> taken = 0;
 std::recursive_mutex turns;  // a call on many entries holds its turn for the calls it is made of
 
 // A plain number without a destructor, so that the usual access is one load.
-constinit thread_local int mine = none;
+__attribute__((tls_model("initial-exec"))) constinit thread_local int mine = none;
 
 struct give_back_at_end {
     ~give_back_at_end() {

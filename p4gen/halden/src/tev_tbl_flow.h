@@ -10,6 +10,7 @@
 
 #include "ftl/flow_hash_entry.h"
 #include "p4gen/halden/pipeline/hash_tables.h"
+#include "p4gen/halden/src/flow_key.h"
 #include "p4gen/halden/src/tev_tbl_keyed.h"
 #include "p4pd_records.h"
 
@@ -26,38 +27,11 @@ struct flow_table {
         sdk::table::sdk_table_api_params_t params;
 
         explicit call(const uint8_t *key) : params{} {
-            take_key(key);
+            pack_flow_key(entry.body(), key);
             params.entry = &entry;
         }
         call(const call &) = delete;
         call &operator=(const call &) = delete;
-
-        void take_key(const uint8_t *record) {
-            namespace lay = flow_layout;
-            flow_swkey_t key;
-            std::memcpy(&key, record, sizeof key);
-            uint8_t *body = entry.body();
-#define TEV_TBL_BYTES(name) \
-    lay::set_bytes<lay::metadata_flow_key_##name>(body, key.metadata_flow_key_##name)
-#define TEV_TBL_NUMBER(name) \
-    lay::set_bits<lay::metadata_flow_key_##name>(body, key.metadata_flow_key_##name)
-            TEV_TBL_BYTES(spare);
-            TEV_TBL_NUMBER(proto);
-            TEV_TBL_NUMBER(vlan);
-            TEV_TBL_NUMBER(vni);
-            TEV_TBL_NUMBER(outer_flow_id);
-            TEV_TBL_NUMBER(rsvd);
-            TEV_TBL_NUMBER(port_id);
-            TEV_TBL_NUMBER(ktype);
-            TEV_TBL_BYTES(dmac);
-            TEV_TBL_BYTES(smac);
-            TEV_TBL_NUMBER(dport);
-            TEV_TBL_NUMBER(sport);
-            TEV_TBL_BYTES(dip);
-            TEV_TBL_BYTES(sip);
-#undef TEV_TBL_NUMBER
-#undef TEV_TBL_BYTES
-        }
 
         void take_data(const uint8_t *spec) {
             namespace lay = flow_layout;
