@@ -2,6 +2,9 @@
 
 #include "sdk/impl_state.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <utility>
 
 namespace api::impl {
@@ -12,13 +15,33 @@ tev_impl_state g_tev_impl_state = {};
 
 namespace halden::host {
 
+namespace {
+
+// Stands in the adapter's directory while engines are at work there. Where it is found, the process
+// before did not end in good order.
+std::string mark_in(const adapter &hardware) {
+    return hardware.directory().empty() ? std::string() : hardware.directory() + "/engines-at-work";
+}
+
+}  // namespace
+
 table_state::table_state(adapter &hardware)
     : current_(hardware),
+      mark_(mark_in(hardware)),
       state_(new api::impl::tev_host_state{}),
       before_(std::exchange(api::impl::g_tev_impl_state.state, state_.get())) {
     state_->host[0] = &hardware;
+    if (mark_.empty()) return;
+    // The other engines have taken up what they found; chains of flows may be half linked.
+    if (access(mark_.c_str(), F_OK) == 0) tables().flow_tbl()->restore_state();
+    const int file = open(mark_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    if (file >= 0) close(file);
 }
 
-table_state::~table_state() { api::impl::g_tev_impl_state.state = before_; }
+table_state::~table_state() {
+    api::impl::g_tev_impl_state.state = before_;
+    state_.reset();
+    if (!mark_.empty()) unlink(mark_.c_str());
+}
 
 }  // namespace halden::host

@@ -8,7 +8,9 @@
 //     tev_tbl_lif_mapping_create(&spec);
 //
 // The adapter becomes the process's current one. Entries that stand in its memory are the engines'
-// first ones. Both are undone at the end, when what was published before is so again.
+// first ones; where an earlier process was killed at work in the adapter's directory, what it left
+// half done in the flow memories is put right first, and no entry whose call had returned is lost.
+// At the end what was published before is so again.
 //
 // No table call may run while a state is made or destroyed. A table whose engine cannot be made
 // ends the process.
@@ -17,6 +19,7 @@
 #include "tev_tbl_impl_state.h"
 
 #include <memory>
+#include <string>
 
 namespace halden::host {
 
@@ -31,6 +34,7 @@ class table_state {
 
   private:
     scoped_current current_;
+    std::string mark_;
     std::unique_ptr<api::impl::tev_host_state> state_;
     api::impl::tev_host_state *before_;
 };
