@@ -2,6 +2,7 @@
 // is reported.
 
 #include <cstring>
+#include <set>
 
 #include "tests/tableapi/fixture.h"
 #include "tev_tbl.h"
@@ -299,6 +300,31 @@ TEST_P(IndexTable, KeysBeyondTheRangeAreRefusedByTheirMappedRow) {
         ASSERT_EQ(host.calls().size(), 1u);
         EXPECT_EQ(host.calls()[0].arguments[1].number, 0u);
     }
+}
+
+// The line of a report is that of its own operation and cause.
+TEST_P(IndexTable, EveryReportNamesALineOfItsOwn) {
+    const bytes spec = random_record(t().spec_bytes()), key = random_record(t().key_bytes);
+    bytes info = random_record(t().spec_bytes());
+    std::set<uint32_t> lines;
+    const auto call_all = [&](const void *s, const void *k) {
+        t().create(s);
+        t().update(s);
+        t().read(k, info.data());
+        t().remove(k);
+        t().find(k);
+        const std::vector<trace_message> sent = host.messages();
+        EXPECT_EQ(sent.size(), 5u);
+        for (const trace_message &message : sent) lines.insert(message.line);
+        forget();
+    };
+    call_all(nullptr, nullptr);
+    on_index_map = [&](uint32_t, const void *) { return t().index_max + 1; };
+    call_all(spec.data(), key.data());
+    on_index_map = [&](uint32_t, const void *) { return t().index_max; };
+    answer(SDK_RET_OOM);
+    call_all(spec.data(), key.data());
+    EXPECT_EQ(lines.size(), 15u);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, IndexTable, testing::ValuesIn(api_tables_of(api_kind::index)),

@@ -2,6 +2,7 @@
 // record, the result of each engine code, and what is reported.
 
 #include <cstring>
+#include <set>
 
 #include "tests/tableapi/fixture.h"
 #include "tev_tbl.h"
@@ -211,6 +212,28 @@ TEST_P(KeyedTable, TableClearIsNotImplemented) {
     EXPECT_EQ(t().table_clear(), 255u);
     expect_report("[%s:%u] Not implemented yet!");
     EXPECT_TRUE(host.calls().empty());
+}
+
+// The line of a report is that of its own operation and cause.
+TEST_P(KeyedTable, EveryReportNamesALineOfItsOwn) {
+    const bytes spec = random_record(t().spec_bytes()), key = random_record(t().key_bytes);
+    bytes info = random_record(t().spec_bytes());
+    std::set<uint32_t> lines;
+    const auto call_all = [&](const void *s, const void *k) {
+        t().create(s);
+        t().update(s);
+        t().read(k, info.data());
+        t().remove(k);
+        t().find(k);
+        const std::vector<trace_message> sent = host.messages();
+        EXPECT_EQ(sent.size(), 5u);
+        for (const trace_message &message : sent) lines.insert(message.line);
+        forget();
+    };
+    call_all(nullptr, nullptr);
+    answer(SDK_RET_OOM);
+    call_all(spec.data(), key.data());
+    EXPECT_EQ(lines.size(), 10u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Hash, KeyedTable, testing::ValuesIn(api_tables_of(api_kind::hash)),

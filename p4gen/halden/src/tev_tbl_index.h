@@ -45,15 +45,12 @@ struct index_table {
     static uint64_t row_of(const uint8_t *key) {
         return p4pd_index_to_hwindex_map(T.id, const_cast<uint8_t *>(key));
     }
-    // Whether the row is refused, which it then has reported.
-    static bool beyond_range(uint64_t row) {
-        return row > T.index_max && TEV_TBL_REPORT(true, says::beyond_range, row);
-    }
 
     static tev_tbl_ret_t create(const void *spec) {
         if (spec == nullptr) return TEV_TBL_REPORT(TEV_TBL_RET_INVALID_ARG, spec_is_null);
         const uint64_t row = row_of(bytes_of(spec) + 1);
-        if (beyond_range(row)) return TEV_TBL_RET_INVALID_ARG;
+        if (row > T.index_max)
+            return TEV_TBL_REPORT(TEV_TBL_RET_INVALID_ARG, says::beyond_range, row);
         data_record data = data_of(spec);
         if (engine<Accessor>()->insert_withid(&data, static_cast<uint32_t>(row), nullptr) !=
             SDK_RET_OK)
@@ -65,7 +62,8 @@ struct index_table {
         if (key == nullptr || info == nullptr)
             return TEV_TBL_REPORT(TEV_TBL_RET_INVALID_ARG, key_or_info_is_null);
         const uint64_t row = row_of(bytes_of(key));
-        if (beyond_range(row)) return TEV_TBL_RET_INVALID_ARG;
+        if (row > T.index_max)
+            return TEV_TBL_REPORT(TEV_TBL_RET_INVALID_ARG, says::beyond_range, row);
         data_record data = {};
         if (engine<Accessor>()->retrieve(static_cast<uint32_t>(row), &data) != SDK_RET_OK)
             return TEV_TBL_REPORT(TEV_TBL_RET_READ_FAILED, says::no_read, row);
@@ -77,7 +75,8 @@ struct index_table {
     static tev_tbl_ret_t update(const void *spec) {
         if (spec == nullptr) return TEV_TBL_REPORT(TEV_TBL_RET_INVALID_ARG, spec_is_null);
         const uint64_t row = row_of(bytes_of(spec) + 1);
-        if (beyond_range(row)) return TEV_TBL_RET_INVALID_ARG;
+        if (row > T.index_max)
+            return TEV_TBL_REPORT(TEV_TBL_RET_INVALID_ARG, says::beyond_range, row);
         data_record data = data_of(spec);
         if (engine<Accessor>()->update(static_cast<uint32_t>(row), &data, nullptr) != SDK_RET_OK)
             return TEV_TBL_REPORT(TEV_TBL_RET_WRITE_FAILED, says::no_update, row);
@@ -87,7 +86,8 @@ struct index_table {
     static tev_tbl_ret_t remove(const void *key) {
         if (key == nullptr) return TEV_TBL_REPORT(TEV_TBL_RET_INVALID_ARG, key_is_null);
         const uint64_t row = row_of(bytes_of(key));
-        if (beyond_range(row)) return TEV_TBL_RET_INVALID_ARG;
+        if (row > T.index_max)
+            return TEV_TBL_REPORT(TEV_TBL_RET_INVALID_ARG, says::beyond_range, row);
         if (engine<Accessor>()->remove(static_cast<uint32_t>(row), nullptr) != SDK_RET_OK)
             return TEV_TBL_REPORT(TEV_TBL_RET_WRITE_FAILED, says::no_remove, row);
         return TEV_TBL_RET_OK;
@@ -96,7 +96,8 @@ struct index_table {
     static tev_tbl_ret_t find(const void *key) {
         if (key == nullptr) return TEV_TBL_REPORT(TEV_TBL_RET_INVALID_ARG, key_is_null);
         const uint64_t row = row_of(bytes_of(key));
-        if (beyond_range(row)) return TEV_TBL_RET_INVALID_ARG;
+        if (row > T.index_max)
+            return TEV_TBL_REPORT(TEV_TBL_RET_INVALID_ARG, says::beyond_range, row);
         data_record data = {};
         const sdk_ret_t result = engine<Accessor>()->retrieve(static_cast<uint32_t>(row), &data);
         if (result == SDK_RET_OK) return TEV_TBL_RET_OK;
