@@ -75,6 +75,8 @@ struct sltcam::impl {
     bool is_free(uint32_t row) const { return entries[row] == nullptr; }
     uint32_t specificity(uint32_t row) const { return entries[row]->specificity; }
 
+    // Empties a free row that a refused call could not.
+    sdk_ret_t sweep();
     sdk_ret_t move(uint32_t from, uint32_t to);
     sdk_ret_t make_room(uint32_t specificity, uint32_t &row);
     sdk_ret_t insert(const sdk_table_api_params_ *params);
@@ -86,15 +88,28 @@ struct sltcam::impl {
     call_counters counters;
     mutable std::shared_mutex mutex;
     std::vector<std::unique_ptr<tcam_entry>> entries;  // by row
+    // A free row that hardware still matches: every write was refused, that of undoing the first
+    // one too. Harmless while nothing changes, so nothing is changed before it is gone.
+    uint32_t left_behind = none;
 };
+
+sdk_ret_t sltcam::impl::sweep() {
+    if (left_behind == none) return SDK_RET_OK;
+    const sdk_ret_t result = rows.clear(left_behind);
+    if (result == SDK_RET_OK) left_behind = none;
+    return result;
+}
 
 // Copies an entry to a free row, then empties its old one.
 sdk_ret_t sltcam::impl::move(uint32_t from, uint32_t to) {
     record_bytes data;
     if (sdk_ret_t bad = rows.read(from, data)) return bad;
-    if (sdk_ret_t bad = rows.write(to, &entries[from]->images, data.data())) return bad;
+    if (sdk_ret_t bad = rows.write(to, &entries[from]->images, data.data())) {
+        if (rows.in_use(to)) left_behind = to;
+        return bad;
+    }
     if (sdk_ret_t bad = rows.clear(from)) {
-        static_cast<void>(rows.clear(to));
+        if (rows.clear(to) != SDK_RET_OK) left_behind = to;
         return bad;
     }
     entries[to] = std::move(entries[from]);
@@ -149,10 +164,14 @@ sdk_ret_t sltcam::impl::insert(const sdk_table_api_params_ *params) {
     entry->images = rows.images_of(params->key, params->mask);
     entry->given = rows.images_of(params->key, nullptr).ones;
     entry->specificity = entry->images.specificity();
+    if (sdk_ret_t bad = sweep()) return bad;
     if (find_images(entry->images) != none) return SDK_RET_ENTRY_EXISTS;
     uint32_t row = none;
     if (sdk_ret_t bad = make_room(entry->specificity, row)) return bad;
-    if (sdk_ret_t bad = rows.write(row, &entry->images, params->data)) return bad;
+    if (sdk_ret_t bad = rows.write(row, &entry->images, params->data)) {
+        if (rows.in_use(row)) left_behind = row;
+        return bad;
+    }
     entries[row] = std::move(entry);
     return SDK_RET_OK;
 }
@@ -162,6 +181,7 @@ sdk_ret_t sltcam::impl::update(const sdk_table_api_params_ *params) {
         !rows.knows_action(params->data))
         return SDK_RET_INVALID_ARG;
     const std::unique_lock lock(mutex);
+    if (sdk_ret_t bad = sweep()) return bad;
     const uint32_t row = find(params);
     if (row == none) return SDK_RET_ENTRY_NOT_FOUND;
     return rows.write(row, &entries[row]->images, params->data);
@@ -170,6 +190,7 @@ sdk_ret_t sltcam::impl::update(const sdk_table_api_params_ *params) {
 sdk_ret_t sltcam::impl::remove(const sdk_table_api_params_ *params) {
     if (params == nullptr || params->key == nullptr) return SDK_RET_INVALID_ARG;
     const std::unique_lock lock(mutex);
+    if (sdk_ret_t bad = sweep()) return bad;
     const uint32_t row = find(params);
     if (row == none) return SDK_RET_ENTRY_NOT_FOUND;
     record_bytes data;
