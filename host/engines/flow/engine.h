@@ -134,7 +134,7 @@ class engine {
     template <typename E>
     seen_row look(const place &at, E cursor, E key, uint32_t hash) const;
     template <typename E>
-    bool found_in_main(E cursor, E entry, uint32_t hash) const;
+    seen_row look_at_main(E cursor, E entry, uint32_t hash) const;
     template <typename E>
     static void fill(E entry, E from);
     template <typename E>
@@ -172,6 +172,8 @@ class engine {
     void link(const place &parent, E parent_entry, uint32_t slot, uint32_t row, uint32_t hash);
     template <typename E>
     void unlink(const place &parent, E parent_entry, uint32_t slot);
+    template <typename E>
+    void store_valid(const place &row, E entry);
     template <typename E>
     void empty(const place &row, E entry);
     template <typename E>

@@ -14,15 +14,14 @@ constexpr size_t group = 32;
 
 }  // namespace
 
-// Whether the entry stands in its main row. Where it does not, the next row of the path is on its
-// way when this returns; what another thread changes meanwhile makes the guess useless, not wrong.
+// Looks at the entry's main row. Where the path goes on, its next row is on its way when this
+// returns; what another thread changes meanwhile makes the guess useless, not wrong.
 template <typename E>
-bool engine::found_in_main(E cursor, E entry, uint32_t hash) const {
-    const place main = rows_.main(main_row(hash));
-    const seen_row seen = look(main, cursor, entry, hash);
+engine::seen_row engine::look_at_main(E cursor, E entry, uint32_t hash) const {
+    const seen_row seen = look(rows_.main(main_row(hash)), cursor, entry, hash);
     if (seen.slot != 0 && seen.hint < rows_.overflow_rows())
         rows::prefetch(rows_.overflow(seen.hint));
-    return seen.has_key;
+    return seen;
 }
 
 // `one(entry, hash, mine, second)` is called twice for every entry, first for all of a group. The
@@ -60,7 +59,7 @@ size_t engine::insert(std::span<base_table_entry_t *const> entries, sdk_ret_t *r
         [&](base_table_entry_t *entry, uint32_t hash, const scratch_row &mine, bool second) {
             if (second) return insert(entry, hash);
             with(entry, mine,
-                 [&](auto caller, auto cursor, auto) { found_in_main(cursor, caller, hash); });
+                 [&](auto caller, auto cursor, auto) { look_at_main(cursor, caller, hash); });
             return SDK_RET_RETRY;
         });
 }
@@ -71,7 +70,7 @@ size_t engine::remove(std::span<base_table_entry_t *const> entries, sdk_ret_t *r
         [&](base_table_entry_t *entry, uint32_t hash, const scratch_row &mine, bool second) {
             if (second) return remove(entry, hash);
             with(entry, mine,
-                 [&](auto caller, auto cursor, auto) { found_in_main(cursor, caller, hash); });
+                 [&](auto caller, auto cursor, auto) { look_at_main(cursor, caller, hash); });
             return SDK_RET_RETRY;
         });
 }
@@ -83,10 +82,12 @@ size_t engine::get(std::span<base_table_entry_t *const> entries, sdk_ret_t *resu
             if (second) return get(entry, hash);
             return with(entry, mine, [&](auto caller, auto cursor, auto) {
                 const stripe &shared = stripe_of(main_row(hash));
-                const uint32_t seen = shared.version();
-                if (!found_in_main(cursor, caller, hash)) return SDK_RET_RETRY;
-                rows::load(rows_.main(main_row(hash)), base_of(cursor));
-                if (!shared.unchanged(seen)) return SDK_RET_RETRY;
+                const uint32_t version = shared.version();
+                const seen_row seen = look_at_main(cursor, caller, hash);
+                if (seen.slot != 0) return SDK_RET_RETRY;
+                if (seen.has_key) rows::load(rows_.main(main_row(hash)), base_of(cursor));
+                if (!shared.unchanged(version)) return SDK_RET_RETRY;
+                if (!seen.has_key) return SDK_RET_ENTRY_NOT_FOUND;
                 fill(caller, cursor);
                 return SDK_RET_OK;
             });

@@ -149,11 +149,21 @@ void engine::unlink(const place &parent, E parent_entry, uint32_t slot) {
     rows_.store_changed(parent, base_of(parent_entry));
 }
 
+// Only the valid bit differs from the row. Where the entry's layout is known, only its word is
+// looked at.
+template <typename E>
+void engine::store_valid(const place &row, E entry) {
+    if constexpr (std::is_same_v<E, plain_entry>)
+        rows_.store_changed_at(row, base_of(entry), flow_layout::entry_valid.first);
+    else
+        rows_.store_changed(row, entry);
+}
+
 // Not valid first, then nothing at all. `entry` holds the row.
 template <typename E>
 void engine::empty(const place &row, E entry) {
     entry->set_entry_valid(0);
-    rows_.store_changed(row, base_of(entry));
+    store_valid(row, entry);
     entry->clear();
     rows_.store_changed(row, base_of(entry));
 }
@@ -163,12 +173,12 @@ template <typename E>
 void engine::replace(const place &row, E entry, E by) {
     if (entry->get_entry_valid() != 0) {
         entry->set_entry_valid(0);
-        rows_.store_changed(row, base_of(entry));
+        store_valid(row, entry);
     }
     take_key_and_data(entry, by);
     rows_.store_changed(row, base_of(entry));
     entry->set_entry_valid(1);
-    rows_.store_changed(row, base_of(entry));
+    store_valid(row, entry);
 }
 
 }  // namespace halden::host::flow

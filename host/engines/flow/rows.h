@@ -110,18 +110,11 @@ class rows {
 
     // Stores the words in which the row differs from the entry.
     void store_changed(const place &to, base_table_entry_t *entry) const {
-        const uint8_t *body = body_of(entry);
-        for (uint32_t i = 0; i < words_per_row; ++i) {
-            uint64_t word;
-            std::memcpy(&word, body + (words_per_row - 1 - i) * sizeof word, sizeof word);
-            word = __builtin_bswap64(word);
-            const auto target = word_at(to, i);
-            // Only the holder of the bucket's lock writes, so the row does not change in between.
-            if (target.load(std::memory_order_relaxed) == word) continue;
-            target.store(word, std::memory_order_release);
-            if (hook_) [[unlikely]]
-                hook_(to.table, to.row);
-        }
+        for (uint32_t i = 0; i < words_per_row; ++i) store_if_changed(to, entry, i);
+    }
+    // The same for the one word that has bit `bit` of the body.
+    void store_changed_at(const place &to, base_table_entry_t *entry, uint32_t bit) const {
+        store_if_changed(to, entry, words_per_row - 1 - bit / 64);
     }
 
     static void prefetch(const place &what) {
@@ -134,6 +127,17 @@ class rows {
 
   private:
     static size_t offset(uint32_t row) { return size_t{row} * flow_row_bytes; }
+    void store_if_changed(const place &to, base_table_entry_t *entry, uint32_t i) const {
+        uint64_t word;
+        std::memcpy(&word, body_of(entry) + (words_per_row - 1 - i) * sizeof word, sizeof word);
+        word = __builtin_bswap64(word);
+        const auto target = word_at(to, i);
+        // Only the holder of the bucket's lock writes, so the row does not change in between.
+        if (target.load(std::memory_order_relaxed) == word) return;
+        target.store(word, std::memory_order_release);
+        if (hook_) [[unlikely]]
+            hook_(to.table, to.row);
+    }
     static std::atomic_ref<uint64_t> word_at(const place &where, uint32_t index) {
         return std::atomic_ref<uint64_t>(*reinterpret_cast<uint64_t *>(where.at + index * 8));
     }
