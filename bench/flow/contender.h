@@ -21,6 +21,18 @@ struct alignas(16) padded_key {
 };
 static_assert(sizeof(padded_key) == 80);
 
+// Whether each single call ends before the next one begins. Without it a core works on the next
+// keys of the loop while it waits for memory, as far as it can look ahead.
+inline bool calls_apart = false;
+inline void end_of_call() {
+    if (!calls_apart) return;
+#if defined(__x86_64__)
+    __asm__ volatile("lfence" ::: "memory");
+#elif defined(__aarch64__)
+    __asm__ volatile("isb" ::: "memory");
+#endif
+}
+
 using order = std::span<const uint32_t>;  // the number of each key
 
 class contender {

@@ -82,6 +82,7 @@ class single_calls : public flow_table {
             sdk::table::sdk_table_api_params_t params = {};
             params.entry = &entry;
             done += call(&params, entry, n) ? 1 : 0;
+            end_of_call();
         }
         return done;
     }

@@ -44,8 +44,10 @@ class rte_hash_table : public contender {
     }
     uint64_t create(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
-        for (size_t i = 0; i < numbers.size(); ++i)
+        for (size_t i = 0; i < numbers.size(); ++i) {
             done += rte_hash_add_key_data(table_, &keys[i], data_of(numbers[i])) == 0 ? 1 : 0;
+            end_of_call();
+        }
         return done;
     }
     uint64_t hit(const std::vector<padded_key> &keys, order numbers) override {
@@ -56,8 +58,10 @@ class rte_hash_table : public contender {
     }
     uint64_t remove(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
-        for (size_t i = 0; i < numbers.size(); ++i)
+        for (size_t i = 0; i < numbers.size(); ++i) {
             done += rte_hash_del_key(table_, &keys[i]) >= 0 ? 1 : 0;
+            end_of_call();
+        }
         return done;
     }
 
@@ -73,6 +77,7 @@ class rte_hash_table : public contender {
                 void *data = nullptr;
                 const bool found = rte_hash_lookup_data(table_, &keys[i], &data) >= 0;
                 done += found == wanted && (!found || data == data_of(numbers[i])) ? 1 : 0;
+                end_of_call();
             }
             return done;
         }
