@@ -68,6 +68,14 @@ struct slhash::impl {
         return params != nullptr && params->key != nullptr && params->mask == nullptr;
     }
 
+    // Empties the overflow row that a refused insert could not take back.
+    sdk_ret_t sweep() {
+        if (left_behind == none) return SDK_RET_OK;
+        const sdk_ret_t result = overflow.clear(left_behind);
+        if (result == SDK_RET_OK) left_behind = none;
+        return result;
+    }
+
     sdk_ret_t insert(const sdk_table_api_params_ *params);
     sdk_ret_t update(const sdk_table_api_params_ *params);
     sdk_ret_t remove(const sdk_table_api_params_ *params);
@@ -79,12 +87,16 @@ struct slhash::impl {
     mutable std::shared_mutex mutex;
     std::map<record_bytes, uint32_t> overflowed;  // key image to TCAM row
     std::vector<uint32_t> free_rows;              // of the TCAM; the last is taken first
+    static constexpr uint32_t none = UINT32_MAX;
+    // A free row that hardware matches. Nothing is changed before it is gone.
+    uint32_t left_behind = none;
 };
 
 sdk_ret_t slhash::impl::insert(const sdk_table_api_params_ *params) {
     if (!usable(params) || params->data == nullptr || !main.knows_action(params->data))
         return SDK_RET_INVALID_ARG;
     const std::unique_lock lock(mutex);
+    if (sdk_ret_t refused = sweep()) return refused;
     const ternary_key images = main.images_of(params->key, nullptr);
     sdk_ret_t bad = SDK_RET_OK;
     bool taken = false;
@@ -103,6 +115,7 @@ sdk_ret_t slhash::impl::insert(const sdk_table_api_params_ *params) {
         free_rows.pop_back();
     else
         overflowed.erase(known);
+    if (result != SDK_RET_OK && overflow.in_use(row)) left_behind = row;
     return result;
 }
 
@@ -110,6 +123,7 @@ sdk_ret_t slhash::impl::update(const sdk_table_api_params_ *params) {
     if (!usable(params) || params->data == nullptr || !main.knows_action(params->data))
         return SDK_RET_INVALID_ARG;
     const std::unique_lock lock(mutex);
+    if (sdk_ret_t refused = sweep()) return refused;
     sdk_ret_t bad = SDK_RET_OK;
     const auto at = find(main.images_of(params->key, nullptr), bad, nullptr);
     if (!at) return bad;
@@ -120,6 +134,7 @@ sdk_ret_t slhash::impl::update(const sdk_table_api_params_ *params) {
 sdk_ret_t slhash::impl::remove(const sdk_table_api_params_ *params) {
     if (!usable(params)) return SDK_RET_INVALID_ARG;
     const std::unique_lock lock(mutex);
+    if (sdk_ret_t refused = sweep()) return refused;
     const ternary_key images = main.images_of(params->key, nullptr);
     sdk_ret_t bad = SDK_RET_OK;
     const auto at = find(images, bad, nullptr);

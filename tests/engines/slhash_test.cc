@@ -205,6 +205,32 @@ TEST_P(Slhash, ARefusedWriteChangesNothing) {
     EXPECT_TRUE(hardware_finds(first.key, first.data));
 }
 
+// The data of an overflow row is refused, and so is taking back its TCAM row: hardware matches a
+// key that nobody made. It is gone before anything else changes, and until then nothing does.
+TEST_P(Slhash, ARowThatCouldNotBeTakenBackIsGoneWithTheNextCall) {
+    stored first, second;
+    collide(first, second);
+    if (HasFatalFailure()) return;
+    ASSERT_EQ(t().remove(second.key.data()), 0u);
+    hardware().faults().inject({.call = host::asic_call::sram_write, .table = overflow_id()});
+    hardware().faults().inject({.call = host::asic_call::tcam_write,
+                                .table = overflow_id(),
+                                .skip = 1,
+                                .count = host::every_time});
+    EXPECT_EQ(create(second.key, second.data), 9u);
+    EXPECT_EQ(t().find(second.key.data()), 4u);
+    const bytes later = data_of_number(5);
+    EXPECT_EQ(update(first.key, later), 9u);
+    EXPECT_EQ(t().remove(first.key.data()), 9u);
+    hardware().faults().clear();
+    expect_reads(first.key, first.data);
+    ASSERT_EQ(update(first.key, later), 0u);
+    EXPECT_FALSE(look_up(packet_of(second.key)).hit);
+    EXPECT_TRUE(hardware_finds(first.key, later));
+    ASSERT_EQ(create(second.key, second.data), 0u);
+    EXPECT_TRUE(hardware_finds(second.key, second.data));
+}
+
 TEST_P(Slhash, EntriesOutliveTheProcess) {
     const scratch_directory directory;
     open(directory.path());

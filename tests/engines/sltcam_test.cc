@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <set>
 #include <string>
 
 #include "p4pd.h"
@@ -248,7 +249,15 @@ TEST_P(Sltcam, EntriesMakeRoomForMoreSpecificOnes) {
     }
     std::sort(order.begin(), order.end(),
               [](const stored &a, const stored &b) { return a.specificity < b.specificity; });
-    for (const stored &entry : order) ASSERT_TRUE(add(entries, entry));
+    std::set<uint32_t> classes;
+    for (const stored &entry : order) {
+        const uint64_t moves_before = statistics().moves;
+        ASSERT_TRUE(add(entries, entry));
+        // However many entries there are, one of each specificity moves at most.
+        EXPECT_LE(statistics().moves - moves_before, classes.size());
+        classes.insert(entry.specificity);
+    }
+    EXPECT_GT(statistics().moves, 0u);
     expect_in_order_of_specificity();
     expect_packets(entries, 300);
 }
