@@ -117,7 +117,8 @@ void read(opened_tables &tables, const read_options &wanted) {
         std::cout << to_json(*entry, row).dump(2) << "\n";
     else
         std::cout << decoded(*entry, row);
-    if (wanted.raw) print_raw(*t, *stored_at(adapter, *t, row));
+    if (!wanted.raw) return;
+    if (const auto stored = stored_at(adapter, *t, row)) print_raw(*t, *stored);
 }
 
 // --- dump ----------------------------------------------------------------------------------------

@@ -2,8 +2,6 @@
 
 namespace halden::emit {
 
-using pipeline::kind;
-
 std::string banner(std::string_view what) {
     return "// " + std::string(what) +
            "\n//\n// Written by halden-emit from p4gen/halden/pipeline; do not edit. To make it "
