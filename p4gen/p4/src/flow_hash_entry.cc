@@ -77,7 +77,11 @@ bool flow_hash_entry_t::is_hint_slot_valid(uint32_t slot) {
     return slot != 0 && slot <= get_more_hint_slot();
 }
 
-uint32_t flow_hash_entry_t::find_last_hint() { return lay::last_hint(body_); }
+uint32_t flow_hash_entry_t::find_last_hint() {
+    const uint32_t slot = lay::last_hint(body_);
+    // A derived class may number the more slot otherwise.
+    return slot == lay::more_slot ? get_more_hint_slot() : slot;
+}
 
 void flow_hash_entry_t::clear() {
     lay::zero_key(body_);
