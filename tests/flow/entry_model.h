@@ -68,7 +68,7 @@ inline constexpr size_t body_at = 16;
 
 inline entry_bits bits_of(const flow_hash_entry_t &entry) {
     uint8_t bytes[144];
-    std::memcpy(bytes, &entry, sizeof bytes);
+    std::memcpy(bytes, static_cast<const void *>(&entry), sizeof bytes);
     entry_bits bits;
     for (size_t n = 0; n < 1024; ++n) bits[n] = (bytes[body_at + n / 8] >> n % 8 & 1) != 0;
     return bits;

@@ -86,7 +86,10 @@ TEST(Scratch, HoldsTheImageOfTheLastKey) {
             if (scratch == nullptr)
                 scratch = static_cast<const flow_hash_entry_t *>(made.heap.last_made);
             ASSERT_NE(scratch, nullptr);
-            EXPECT_EQ(std::memcmp(scratch, &entry, sizeof(void *)), 0) << "another class";
+            EXPECT_EQ(std::memcmp(static_cast<const void *>(scratch),
+                                  static_cast<const void *>(&entry), sizeof(void *)),
+                      0)
+                << "another class";
             EXPECT_EQ(scratch->valid, 0u);
             ASSERT_EQ(bits_of(*scratch), image_of(bits)) << round;
             ASSERT_EQ(bits_of(entry), bits);

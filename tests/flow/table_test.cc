@@ -163,7 +163,9 @@ TEST_F(FlowTable, TheEntriesAre16RowsOf8AllZeroAfterLoading) {
     unsigned seen = 0;
     for (const auto &row : flow_hash::entry_) {
         for (const flow_hash_entry_t &entry : row) {
-            EXPECT_EQ(std::memcmp(&entry, &zero, sizeof zero), 0);
+            EXPECT_EQ(std::memcmp(static_cast<const void *>(&entry),
+                                  static_cast<const void *>(&zero), sizeof zero),
+                      0);
             EXPECT_EQ(entry.valid, 0u);
             EXPECT_TRUE(bits_of(entry).none());
             ++seen;
