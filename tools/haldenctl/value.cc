@@ -241,7 +241,7 @@ std::string word_of(wide value, std::string_view field, unsigned bits) {
 }
 
 std::string shown(wide value, std::string_view field, unsigned bits) {
-    const std::string word = word_of(value, field, bits);
+    std::string word = word_of(value, field, bits);
     if (notation_of(field, bits) != notation::number || bits > 64 || value < 10) return word;
     return word + " (" + hexadecimal(value) + ")";
 }
