@@ -118,6 +118,30 @@ class index_values {
     bool given_ = false;
 };
 
+// The field that a name stands for; without one of the key or the data, perhaps one of the index.
+struct named_field {
+    std::optional<size_t> key, data;
+    std::string index;
+};
+
+named_field find_field(const table &t, std::span<const field> data, const std::string &name) {
+    if (name.starts_with("key.")) return {meant(t.key, name.substr(4)), {}, name.substr(4)};
+    if (name.starts_with("data.")) return {{}, meant(data, name.substr(5)), {}};
+    named_field out = {meant(t.key, name), meant(data, name), name};
+    if (out.key && out.data)
+        throw failure(name + " is a field of the key and of the data; allowed: key." + name +
+                      " or data." + name);
+    return out;
+}
+
+failure no_field(const table &t, std::span<const field> data, const std::string &name) {
+    std::vector<std::string_view> names;
+    for (const key_field &f : t.key) names.push_back(f.name);
+    for (const field &f : t.index) names.push_back(f.name);
+    for (const field &f : data) names.push_back(f.name);
+    return failure(unknown("field", name, names));
+}
+
 }  // namespace
 
 void set_key_fields(records &entry, const std::vector<std::string> &given) {
@@ -165,28 +189,18 @@ given_entry entry_from_arguments(const table &t, const std::vector<std::string> 
     const std::span<const field> data = out.entry.action()->fields;
     index_values index(t);
     for (const auto &[name, value] : fields) {
-        const bool key_only = name.starts_with("key."), data_only = name.starts_with("data.");
-        const std::string bare = key_only ? name.substr(4) : data_only ? name.substr(5) : name;
-        const auto of_key = data_only ? std::nullopt : meant(t.key, bare);
-        const auto of_data = key_only ? std::nullopt : meant(data, bare);
-        if (of_key && of_data)
-            throw failure(bare + " is a field of the key and of the data; allowed: key." + bare +
-                          " or data." + bare);
-        if (of_key) {
-            see("key." + std::string(t.key[*of_key].name));
-            set_key(out.entry, *of_key, value);
-        } else if (of_data) {
-            see("data." + std::string(data[*of_data].name));
-            set_data(out.entry, *of_data, value);
-        } else if (!data_only && index.takes(bare)) {
-            see("index." + bare);
-            index.set(bare, value);
+        const named_field f = find_field(t, data, name);
+        if (f.key) {
+            see("key." + std::string(t.key[*f.key].name));
+            set_key(out.entry, *f.key, value);
+        } else if (f.data) {
+            see("data." + std::string(data[*f.data].name));
+            set_data(out.entry, *f.data, value);
+        } else if (index.takes(f.index)) {
+            see("index." + f.index);
+            index.set(f.index, value);
         } else {
-            std::vector<std::string_view> names;
-            for (const key_field &f : t.key) names.push_back(f.name);
-            for (const field &f : t.index) names.push_back(f.name);
-            for (const field &f : data) names.push_back(f.name);
-            throw failure(unknown("field", name, names));
+            throw no_field(t, data, name);
         }
     }
     out.index = index.row();
