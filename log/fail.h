@@ -5,5 +5,6 @@
 // function they report are fixed, whatever the source looks like today. This is the C library's own
 // reporter: it prints them and aborts the process.
 
-extern "C" [[noreturn]] void __assert_fail(const char *text, const char *file, unsigned int line,
-                                           const char *function) noexcept(true);
+// The attribute stands as the C library writes it, whose own header may have been read before.
+extern "C" void __assert_fail(const char *text, const char *file, unsigned int line,
+                              const char *function) noexcept(true) __attribute__((__noreturn__));

@@ -101,7 +101,7 @@ TEST(WarmRestart, AKilledProcessLosesNoEntryWhoseCallReturned) {
             auto spec = flow(number);
             tev_tbl_flow_info_t info = {};
             ASSERT_EQ(tev_tbl_flow_read(&spec.key, &info), TEV_TBL_RET_OK) << number;
-            EXPECT_EQ(info.action_u.flow_hash.flow_idx, number);
+            EXPECT_EQ(+info.action_u.flow_hash.flow_idx, number);
             EXPECT_TRUE(hardware_finds(*hardware, P4TBL_ID_FLOW, &spec.key)) << number;
         }
         for (uint32_t number = 1; number <= done; ++number) {

@@ -171,7 +171,7 @@ TEST_F(FlowTable, MoreHashesIsStoredAsOneWhateverTheSpecSays) {
     tev_tbl_flow_info_t info = {};
     EXPECT_EQ(tev_tbl_flow_read(&spec.key, &info), TEV_TBL_RET_OK);
     EXPECT_EQ(info.action_u.flow_hash.more_hashes, 1);
-    EXPECT_EQ(info.action_u.flow_hash.more_hints, 0u);
+    EXPECT_EQ(+info.action_u.flow_hash.more_hints, 0u);
 }
 
 TEST_F(FlowTable, KeyCallsFillTheKeyAlone) {
