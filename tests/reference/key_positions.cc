@@ -84,37 +84,20 @@ constexpr key_run checksum[] = {
     {4, 1, 0, 1, 4}, {5, 1, 0, 1, 5}, {6, 1, 0, 1, 6}, {7, 1, 0, 1, 7},
 };
 
+constexpr by_key_record<key_run> all = {
+    .flow = flow,
+    .vlan_mapping = vlan_mapping,
+    .tunnel_terminate_sa_v4 = tunnel_terminate_sa_v4,
+    .tunnel_terminate_sa_v6 = tunnel_terminate_sa_v6,
+    .registered_mac = registered_mac,
+    .tunnel_terminate_v4 = tunnel_terminate_v4,
+    .tunnel_terminate_v6 = tunnel_terminate_v6,
+    .flow_key = flow_key,
+    .checksum = checksum,
+};
+
 }  // namespace
 
-std::span<const key_run> key_positions(uint32_t id) {
-    switch (id) {
-        case 1:
-        case 2:
-            return flow;
-        case 3:
-        case 7:
-            return vlan_mapping;
-        case 4:
-        case 10:
-            return tunnel_terminate_sa_v4;
-        case 5:
-        case 11:
-            return tunnel_terminate_sa_v6;
-        case 6:
-        case 14:
-            return registered_mac;
-        case 8:
-            return tunnel_terminate_v4;
-        case 9:
-            return tunnel_terminate_v6;
-        case 12:
-        case 13:
-            return flow_key;
-        case 15:
-            return checksum;
-        default:
-            return {};
-    }
-}
+std::span<const key_run> key_positions(uint32_t id) { return all.of(id); }
 
 }  // namespace halden::reference

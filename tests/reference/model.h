@@ -39,6 +39,35 @@ struct table {
 std::span<const table> tables();  // in id order
 const table &table_of(uint32_t id);
 
+// What is known of each key record, some of which are the key of two tables.
+template <class T>
+struct by_key_record {
+    std::span<const T> flow, vlan_mapping, tunnel_terminate_sa_v4, tunnel_terminate_sa_v6,
+        registered_mac, tunnel_terminate_v4, tunnel_terminate_v6, flow_key, checksum;
+
+    // Nothing for tables without a key.
+    std::span<const T> of(uint32_t id) const {
+        const std::span<const T> from_id_1[] = {
+            flow,
+            flow,
+            vlan_mapping,
+            tunnel_terminate_sa_v4,
+            tunnel_terminate_sa_v6,
+            registered_mac,
+            vlan_mapping,
+            tunnel_terminate_v4,
+            tunnel_terminate_v6,
+            tunnel_terminate_sa_v4,
+            tunnel_terminate_sa_v6,
+            flow_key,
+            flow_key,
+            registered_mac,
+            checksum,
+        };
+        return id - 1 < std::size(from_id_1) ? from_id_1[id - 1] : std::span<const T>();
+    }
+};
+
 // A run of record bytes, from `last_byte` downwards, of each of which `width` bits from `top_bit`
 // downwards stand one after another in the key image from `position` on.
 struct key_run {
