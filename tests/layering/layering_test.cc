@@ -6,6 +6,7 @@
 
 #include "tests/layering/source_lines.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -23,36 +24,38 @@ namespace fs = std::filesystem;
 
 const fs::path root = HALDEN_SOURCE_DIR;
 
-// Include lines of `room` that reach into one of the `forbidden` rooms.
-std::vector<std::string> includes_into(const fs::path &top, const std::string &room,
-                                       const std::vector<std::string> &forbidden) {
+bool lies_in_one(const std::string &path, const std::vector<std::string> &rooms) {
+    return std::any_of(rooms.begin(), rooms.end(),
+                       [&](const std::string &each) { return layering::lies_in(path, each); });
+}
+
+// Include lines of `room` whose header, by its path, is `wanted`.
+template <class Wanted>
+std::vector<std::string> includes_of(const fs::path &top, const std::string &room, Wanted wanted) {
     std::vector<std::string> out;
     for (const std::string &file : layering::files_of(top, room))
         for (const source_line &line : layering::lines_of(top, file)) {
             const auto header = layering::included(line.text);
-            if (!header) continue;
-            const std::string path = layering::resolved(top, file, *header);
-            for (const std::string &each : forbidden)
-                if (layering::lies_in(path, each)) out.push_back(layering::place_of(line));
+            if (header && wanted(layering::resolved(top, file, *header)))
+                out.push_back(layering::place_of(line));
         }
     return out;
+}
+
+// Include lines of `room` that reach into one of the `forbidden` rooms.
+std::vector<std::string> includes_into(const fs::path &top, const std::string &room,
+                                       const std::vector<std::string> &forbidden) {
+    return includes_of(top, room,
+                       [&](const std::string &path) { return lies_in_one(path, forbidden); });
 }
 
 // Include lines of `room` that name a header of the project outside the `allowed` rooms.
 std::vector<std::string> includes_outside(const fs::path &top, const std::string &room,
                                           const std::vector<std::string> &allowed) {
-    std::vector<std::string> out;
-    for (const std::string &file : layering::files_of(top, room))
-        for (const source_line &line : layering::lines_of(top, file)) {
-            const auto header = layering::included(line.text);
-            if (!header) continue;
-            const std::string path = layering::resolved(top, file, *header);
-            if (!fs::is_regular_file(top / path)) continue;  // a header of the system
-            bool inside = false;
-            for (const std::string &each : allowed) inside |= layering::lies_in(path, each);
-            if (!inside) out.push_back(layering::place_of(line));
-        }
-    return out;
+    return includes_of(top, room, [&](const std::string &path) {
+        const bool of_project = fs::is_regular_file(top / path);  // and not of the system
+        return of_project && !lies_in_one(path, allowed);
+    });
 }
 
 std::vector<std::string> machine_paths_in(const fs::path &top, const std::string &room) {
