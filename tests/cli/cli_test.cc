@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "tests/cli/transcript.h"
+#include "tests/support/scratch_directory.h"
 
 namespace halden::test {
 namespace {
@@ -29,28 +30,12 @@ std::vector<std::string> transcripts() {
     return out;
 }
 
-class fresh_directory {
-  public:
-    fresh_directory() {
-        char name[] = "/tmp/halden-cli-XXXXXX";
-        if (mkdtemp(name) == nullptr) throw std::runtime_error("no directory could be made");
-        path_ = name;
-    }
-    ~fresh_directory() { fs::remove_all(path_); }
-    fresh_directory(const fresh_directory &) = delete;
-    fresh_directory &operator=(const fresh_directory &) = delete;
-    const std::string &path() const { return path_; }
-
-  private:
-    std::string path_;
-};
-
 class cli : public testing::TestWithParam<std::string> {};
 
 TEST_P(cli, prints_what_the_transcript_says) {
     const transcript t = read_transcript(std::string(CASES) + "/" + GetParam() + ".txt");
     ASSERT_FALSE(t.steps.empty());
-    const fresh_directory directory, commands;
+    const scratch_directory directory, commands;
     fs::create_symlink(HALDENCTL, commands.path() + "/haldenctl");
     const std::string path = commands.path() + ":" + std::getenv("PATH");
     setenv("PATH", path.c_str(), 1);

@@ -9,8 +9,8 @@
 
 #include "host/adapter.h"
 #include "p4pd.h"
-#include "tests/host/scratch_directory.h"
 #include "tests/model/entries.h"
+#include "tests/support/scratch_directory.h"
 
 namespace halden::test {
 namespace {

@@ -2,6 +2,7 @@
 // behind any single store, and after being killed while two threads were writing.
 
 #include "tests/engines/flow_bed.h"
+#include "tests/support/scratch_directory.h"
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
-#include <filesystem>
 #include <random>
 #include <thread>
 
@@ -19,19 +19,6 @@ namespace {
 
 using namespace halden;
 using namespace halden::test;
-
-class scratch_directory {
-  public:
-    scratch_directory() {
-        std::string name = (std::filesystem::temp_directory_path() / "flow-XXXXXX").string();
-        if (mkdtemp(name.data()) != nullptr) path_ = name;
-    }
-    ~scratch_directory() { std::filesystem::remove_all(path_); }
-    const std::string &path() const { return path_; }
-
-  private:
-    std::string path_;
-};
 
 TEST(FlowRestore, FlowsOutliveTheTable) {
     const scratch_directory directory;

@@ -1,9 +1,6 @@
 #include "tests/engines/table_bed.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <stdexcept>
 
 #include "host/trace/trace.h"
 #include "sdk/asic/pd.h"
@@ -98,12 +95,5 @@ bool TableBed::hardware_finds(const bytes &key, const bytes &data) {
     image.resize((wanted.bits + 7) / 8);
     return found.bits == wanted.bits && found.image == image;
 }
-
-scratch_directory::scratch_directory() {
-    path_ = testing::TempDir() + "halden-engines-XXXXXX";
-    if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("no temporary directory");
-}
-
-scratch_directory::~scratch_directory() { std::filesystem::remove_all(path_); }
 
 }  // namespace halden::test

@@ -13,6 +13,7 @@
 #include "host/state/table_state.h"
 #include "host/view/lookup.h"
 #include "tests/reference/model.h"
+#include "tests/support/scratch_directory.h"
 #include "tests/tableapi/tables.h"
 
 namespace halden::test {
@@ -59,19 +60,6 @@ class TableBed : public testing::TestWithParam<api_table> {
   private:
     std::unique_ptr<host::adapter> adapter_;
     std::unique_ptr<host::table_state> state_;
-};
-
-// A directory that goes with the object.
-class scratch_directory {
-  public:
-    scratch_directory();
-    ~scratch_directory();
-    scratch_directory(const scratch_directory &) = delete;
-    scratch_directory &operator=(const scratch_directory &) = delete;
-    const std::string &path() const { return path_; }
-
-  private:
-    std::string path_;
 };
 
 inline std::string name_of_tested(const testing::TestParamInfo<api_table> &tested) {

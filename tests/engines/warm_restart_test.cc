@@ -3,7 +3,7 @@
 #include "host/state/table_state.h"
 #include "host/view/lookup.h"
 #include "p4pd.h"
-#include "tests/host/scratch_directory.h"
+#include "tests/support/scratch_directory.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>

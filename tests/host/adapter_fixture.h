@@ -5,7 +5,7 @@
 
 #include "host/adapter.h"
 #include "host/trace/trace.h"
-#include "tests/host/scratch_directory.h"
+#include "tests/support/scratch_directory.h"
 
 #include <cstdint>
 #include <memory>

@@ -6,7 +6,7 @@
 
 #include "p4pd.h"
 #include "p4pd_records.h"
-#include "tests/host/scratch_directory.h"
+#include "tests/support/scratch_directory.h"
 
 #include <sys/wait.h>
 #include <unistd.h>

@@ -2,7 +2,7 @@
 
 #include "host/memory/flow_rows.h"
 
-#include "tests/host/scratch_directory.h"
+#include "tests/support/scratch_directory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include "host/memory/region.h"
 
-#include "tests/host/scratch_directory.h"
+#include "tests/support/scratch_directory.h"
 
 #include <sys/stat.h>
 

@@ -2,7 +2,7 @@
 
 #include "host/memory/row_store.h"
 
-#include "tests/host/scratch_directory.h"
+#include "tests/support/scratch_directory.h"
 
 #include <algorithm>
 #include <atomic>

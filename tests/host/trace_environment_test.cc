@@ -4,7 +4,7 @@
 #include "host/trace/trace.h"
 
 #include "sdk/trace.h"
-#include "tests/host/scratch_directory.h"
+#include "tests/support/scratch_directory.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>

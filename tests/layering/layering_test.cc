@@ -5,6 +5,7 @@
 // and no source names a place of somebody's machine.
 
 #include "tests/layering/source_lines.h"
+#include "tests/support/scratch_directory.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -120,13 +121,9 @@ TEST(Layering, NoSourceNamesAPlaceOfSomebodysMachine) {
 class BrokenProject : public testing::Test {
   protected:
     void SetUp() override {
-        std::string pattern = testing::TempDir() + "halden-layering-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        top_ = pattern;
         write("host/adapter.h", "#pragma once\n");
         write("p4gen/halden/src/pack.h", "#pragma once\n");
     }
-    void TearDown() override { fs::remove_all(top_); }
     void write(const std::string &file, const std::string &text) {
         fs::create_directories((top_ / file).parent_path());
         std::FILE *out = std::fopen((top_ / file).c_str(), "w");
@@ -135,7 +132,8 @@ class BrokenProject : public testing::Test {
         std::fclose(out);
     }
 
-    fs::path top_;
+    const halden::test::scratch_directory directory_;
+    const fs::path top_ = directory_.path();
 };
 
 TEST_F(BrokenProject, AnIncludeFromTheRootIsFoundWithItsLine) {

@@ -1,14 +1,13 @@
 #include "tools/packets/capture.h"
 
 #include <gmock/gmock.h>
-#include <unistd.h>
 
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <stdexcept>
 #include <vector>
 
+#include "tests/support/scratch_directory.h"
 #include "tools/packets/traffic.h"
 
 using namespace halden::packets;
@@ -19,13 +18,7 @@ namespace {
 
 class Capture : public testing::Test {
   protected:
-    Capture() {
-        std::string name = (std::filesystem::temp_directory_path() / "halden-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory");
-        directory_ = name;
-    }
-    ~Capture() override { std::filesystem::remove_all(directory_); }
-    std::string path(const char *name) const { return (directory_ / name).string(); }
+    std::string path(const char *name) const { return directory_.file(name); }
     std::string write(const char *name, const bytes &content) const {
         std::ofstream(path(name), std::ios::binary)
             .write(reinterpret_cast<const char *>(content.data()),
@@ -42,7 +35,7 @@ class Capture : public testing::Test {
     }
 
   private:
-    std::filesystem::path directory_;
+    const halden::test::scratch_directory directory_;
 };
 
 // A pcap file with one packet of 4 bytes out of 60, at 1.000002 s.

@@ -16,7 +16,7 @@ namespace halden::test {
 class scratch_directory {
   public:
     scratch_directory() {
-        path_ = testing::TempDir() + "halden-host-XXXXXX";
+        path_ = testing::TempDir() + "halden-XXXXXX";
         if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error(path_ + " cannot be made");
     }
     ~scratch_directory() {
