@@ -73,6 +73,27 @@ std::vector<call> TableApi::engine_calls() const {
     return out;
 }
 
+bytes OneTable::data_of(const bytes &spec) const {
+    bytes out = {spec[0]};
+    out.insert(out.end(), spec.begin() + t().data_at(), spec.end());
+    return out;
+}
+
+std::set<uint32_t> OneTable::lines_of_five(const void *spec, const void *key) {
+    bytes info = random_record(t().spec_bytes());
+    t().create(spec);
+    t().update(spec);
+    t().read(key, info.data());
+    t().remove(key);
+    t().find(key);
+    std::set<uint32_t> lines;
+    const std::vector<trace_message> sent = host.messages();
+    EXPECT_EQ(sent.size(), 5u);
+    for (const trace_message &message : sent) lines.insert(message.line);
+    forget();
+    return lines;
+}
+
 std::vector<uint32_t> engine_codes() {
     std::vector<uint32_t> out;
     for (uint32_t code = 0; code <= 20; ++code) out.push_back(code);

@@ -70,9 +70,6 @@ bytes body_of_spec(const bytes &spec) {
 
 class FlowTable : public TableApi {
   protected:
-    void answer(uint32_t code) {
-        host.on_engine = [code](const call &) { return static_cast<sdk_ret_t>(code); };
-    }
     // Keeps the entry that an engine call points at.
     void watch() {
         host.on_call = [this](const call &c) {

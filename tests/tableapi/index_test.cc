@@ -11,25 +11,15 @@ namespace halden::test {
 
 namespace {
 
-class IndexTable : public TableApi, public testing::WithParamInterface<api_table> {
+class IndexTable : public OneTable {
   protected:
-    const api_table &t() const { return GetParam(); }
     const void *engine() { return t().engine(state->tables); }
-    std::string named(const std::string &before, const std::string &after) const {
-        return "[%s:%u] " + before + t().name + after;
-    }
 
     bytes spec_of_row(uint64_t row) {
         bytes spec = random_record(t().spec_bytes());
         const bytes key = key_of_row(t(), row);
         std::copy(key.begin(), key.end(), spec.begin() + 1);
         return spec;
-    }
-    // What the engine stores: the spec without its key.
-    bytes data_of(const bytes &spec) const {
-        bytes out = {spec[0]};
-        out.insert(out.end(), spec.begin() + t().data_at(), spec.end());
-        return out;
     }
     std::vector<uint64_t> rows() const {
         return t().index_max == 0 ? std::vector<uint64_t>{0}
@@ -42,9 +32,6 @@ class IndexTable : public TableApi, public testing::WithParamInterface<api_table
             const auto *at = static_cast<const uint8_t *>(c.arguments.at(n).pointer);
             data.assign(at, at + 1 + t().data_bytes);
         };
-    }
-    void answer(uint32_t code) {
-        host.on_engine = [code](const call &) { return static_cast<sdk_ret_t>(code); };
     }
 
     bytes data;
@@ -305,19 +292,8 @@ TEST_P(IndexTable, KeysBeyondTheRangeAreRefusedByTheirMappedRow) {
 // The line of a report is that of its own operation and cause.
 TEST_P(IndexTable, EveryReportNamesALineOfItsOwn) {
     const bytes spec = random_record(t().spec_bytes()), key = random_record(t().key_bytes);
-    bytes info = random_record(t().spec_bytes());
     std::set<uint32_t> lines;
-    const auto call_all = [&](const void *s, const void *k) {
-        t().create(s);
-        t().update(s);
-        t().read(k, info.data());
-        t().remove(k);
-        t().find(k);
-        const std::vector<trace_message> sent = host.messages();
-        EXPECT_EQ(sent.size(), 5u);
-        for (const trace_message &message : sent) lines.insert(message.line);
-        forget();
-    };
+    const auto call_all = [&](const void *s, const void *k) { lines.merge(lines_of_five(s, k)); };
     call_all(nullptr, nullptr);
     on_index_map = [&](uint32_t, const void *) { return t().index_max + 1; };
     call_all(spec.data(), key.data());
@@ -362,7 +338,7 @@ TEST_F(IndexEdges, MirrorRewriteAcceptsRow15AndRefuses16) {
 }
 
 TEST_F(IndexEdges, AnAbsentLifMappingIsAFailureToReadAndSilentToFind) {
-    host.on_engine = [](const call &) { return SDK_RET_ENTRY_NOT_FOUND; };
+    answer(SDK_RET_ENTRY_NOT_FOUND);
     tev_tbl_lif_mapping_key_t key = {};
     tev_tbl_lif_mapping_info_t info = {};
     key.index = 9;

@@ -10,26 +10,17 @@
 namespace halden::test {
 namespace {
 
-class KeyedTable : public TableApi, public testing::WithParamInterface<api_table> {
+class KeyedTable : public OneTable {
   protected:
-    const api_table &t() const { return GetParam(); }
     bool ternary() const { return t().kind == api_kind::tcam; }
     std::string operation(const std::string &name) const {
         return (ternary() ? "sltcam::" : "slhash::") + name;
-    }
-    std::string named(const std::string &before, const std::string &after) const {
-        return "[%s:%u] " + before + t().name + after;
     }
 
     bytes part(const bytes &record, uint32_t at, uint32_t size) const {
         return bytes(record.begin() + at, record.begin() + at + size);
     }
     bytes key_of(const bytes &spec) const { return part(spec, 1, t().key_bytes); }
-    bytes data_of(const bytes &spec) const {
-        bytes out = {spec[0]};
-        out.insert(out.end(), spec.begin() + t().data_at(), spec.end());
-        return out;
-    }
 
     // What an engine call pointed at when it was made.
     struct seen_call {
@@ -67,9 +58,6 @@ class KeyedTable : public TableApi, public testing::WithParamInterface<api_table
         EXPECT_NE(seen.params.key, key.data()) << "a copy";
         EXPECT_EQ(seen.params.mask, nullptr);
         EXPECT_EQ(seen.data, bytes(1 + t().data_bytes)) << "the buffer is zeroed first";
-    }
-    void answer(uint32_t code) {
-        host.on_engine = [code](const call &) { return static_cast<sdk_ret_t>(code); };
     }
 
     seen_call seen = {};
@@ -217,19 +205,8 @@ TEST_P(KeyedTable, TableClearIsNotImplemented) {
 // The line of a report is that of its own operation and cause.
 TEST_P(KeyedTable, EveryReportNamesALineOfItsOwn) {
     const bytes spec = random_record(t().spec_bytes()), key = random_record(t().key_bytes);
-    bytes info = random_record(t().spec_bytes());
     std::set<uint32_t> lines;
-    const auto call_all = [&](const void *s, const void *k) {
-        t().create(s);
-        t().update(s);
-        t().read(k, info.data());
-        t().remove(k);
-        t().find(k);
-        const std::vector<trace_message> sent = host.messages();
-        EXPECT_EQ(sent.size(), 5u);
-        for (const trace_message &message : sent) lines.insert(message.line);
-        forget();
-    };
+    const auto call_all = [&](const void *s, const void *k) { lines.merge(lines_of_five(s, k)); };
     call_all(nullptr, nullptr);
     answer(SDK_RET_OOM);
     call_all(spec.data(), key.data());
@@ -249,7 +226,7 @@ TEST(KeyedTables, AreFourAndFive) {
 using KeyedEdges = TableApi;
 
 TEST_F(KeyedEdges, AnAbsentRegisteredMacIsSilentToFindAndAFailureToRead) {
-    host.on_engine = [](const call &) { return SDK_RET_ENTRY_NOT_FOUND; };
+    answer(SDK_RET_ENTRY_NOT_FOUND);
     tev_tbl_registered_mac_key_t key = {};
     tev_tbl_registered_mac_info_t info = {};
     EXPECT_EQ(tev_tbl_registered_mac_find(&key), TEV_TBL_RET_ENTRY_NOT_FOUND);
@@ -265,7 +242,7 @@ TEST_F(KeyedEdges, VlanMappingCreateWithoutASpecDoesNotTouchTheEngine) {
 }
 
 TEST_F(KeyedEdges, ADuplicateVlanMappingIsAWriteFailure) {
-    host.on_engine = [](const call &) { return SDK_RET_ENTRY_EXISTS; };
+    answer(SDK_RET_ENTRY_EXISTS);
     tev_tbl_vlan_mapping_spec_t spec = {};
     EXPECT_EQ(tev_tbl_vlan_mapping_create(&spec), TEV_TBL_RET_WRITE_FAILED);
     expect_report("[%s:%u] Could not insert entry in table vlan_mapping");
