@@ -88,21 +88,25 @@ std::string why_not(host::adapter &adapter, const records &entry, uint32_t index
            std::to_string(adapter.depth(entry.of->id)) + " rows; --log-level error says why";
 }
 
+// Makes one call of the table API, and answers the entry's row. `there` tells whether the call is
+// for an entry that is there already.
+uint32_t carry_out(host::adapter &adapter, const given_entry &given, const char *name,
+                   tev_tbl_ret_t (*call)(const records &, uint32_t), bool there) {
+    const uint32_t index = row_given(adapter, *given.entry.of, given.index);
+    const tev_tbl_ret_t result = call(given.entry, index);
+    if (result != TEV_TBL_RET_OK) refuse(name, result, why_not(adapter, given.entry, index, there));
+    return index;
+}
+
 void create(host::adapter &adapter, const table &t, const std::vector<std::string> &fields) {
     given_entry given = entry_from_arguments(t, fields);
-    const uint32_t index = row_given(adapter, t, given.index);
-    const tev_tbl_ret_t result = create_entry(given.entry, index);
-    if (result != TEV_TBL_RET_OK)
-        refuse("create", result, why_not(adapter, given.entry, index, false));
+    const uint32_t index = carry_out(adapter, given, "create", create_entry, false);
     print_done(adapter, "created", given.entry, index);
 }
 
 void update(host::adapter &adapter, const table &t, const std::vector<std::string> &fields) {
     given_entry given = entry_from_arguments(t, fields);
-    const uint32_t index = row_given(adapter, t, given.index);
-    const tev_tbl_ret_t result = update_entry(given.entry, index);
-    if (result != TEV_TBL_RET_OK)
-        refuse("update", result, why_not(adapter, given.entry, index, true));
+    const uint32_t index = carry_out(adapter, given, "update", update_entry, true);
     print_done(adapter, "updated", given.entry, index);
 }
 
@@ -118,10 +122,7 @@ given_entry key_from_arguments(const table &t, const std::vector<std::string> &f
 
 void remove(host::adapter &adapter, const table &t, const std::vector<std::string> &fields) {
     const given_entry given = key_from_arguments(t, fields);
-    const uint32_t index = row_given(adapter, t, given.index);
-    const tev_tbl_ret_t result = delete_entry(given.entry, index);
-    if (result != TEV_TBL_RET_OK)
-        refuse("delete", result, why_not(adapter, given.entry, index, true));
+    const uint32_t index = carry_out(adapter, given, "delete", delete_entry, true);
     std::cout << painted("deleted", colour::good) << "  " << t.name << "  "
               << entry_called(given.entry, index) << "\n";
 }
