@@ -58,18 +58,10 @@ directmap *directmap::factory(const char *name, uint32_t table_id, uint32_t dept
                               uint16_t data_size, bool thread_safe, bool entry_trace,
                               table_health_cb health) {
     if (name == nullptr || depth == 0 || data_size == 0 || data_size > record_room ||
-        current().faults().meet(asic_call::allocate, table_id, 0) != SDK_RET_OK)
+        memory_is_refused(table_id))
         return nullptr;
-    auto *table = new (std::nothrow) directmap;
-    if (table == nullptr) return nullptr;
-    try {
-        table->impl_ =
-            new directmap::impl(name, table_id, depth, data_size, thread_safe, entry_trace, health);
-    } catch (const std::bad_alloc &) {
-        delete table;
-        return nullptr;
-    }
-    return table;
+    return with_parts(new (std::nothrow) directmap, &directmap::impl_, name, table_id, depth,
+                      data_size, thread_safe, entry_trace, health);
 }
 
 void directmap::destroy(directmap *table) {

@@ -132,6 +132,10 @@ void table_rows::for_each(const entry_visitor &visit) const {
     }
 }
 
+bool memory_is_refused(uint32_t table) {
+    return current().faults().meet(asic_call::allocate, table, 0) != SDK_RET_OK;
+}
+
 engine_statistics call_counters::statistics() const {
     engine_statistics out;
     out.inserts = inserts;

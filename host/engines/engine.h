@@ -15,6 +15,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <new>
 #include <span>
 
 namespace halden::host {
@@ -99,6 +100,33 @@ class table_rows {
     uint32_t table_;
     p4pd_table_properties_t properties_ = {};
 };
+
+// Whether the adapter is told to refuse the memory of a new engine.
+bool memory_is_refused(uint32_t table);
+
+// The end of every factory: gives a new engine, null when there was no memory for it, its `parts`.
+// Null when there is none for them either.
+template <class Engine, class Parts, class... Given>
+Engine *with_parts(Engine *made, Parts *Engine::*parts, const Given &...given) {
+    if (made == nullptr) return nullptr;
+    try {
+        made->*parts = new Parts(given...);
+    } catch (const std::bad_alloc &) {
+        Engine::destroy(made);
+        return nullptr;
+    }
+    return made;
+}
+
+// An engine's call, whatever it throws when memory runs out.
+template <class Call>
+sdk_ret_t guarded(Call call) {
+    try {
+        return call();
+    } catch (const std::bad_alloc &) {
+        return SDK_RET_OOM;
+    }
+}
 
 // What an engine counts, when it is made with its entry trace on.
 class call_counters {

@@ -168,23 +168,13 @@ sdk_ret_t slhash::impl::get(const sdk_table_api_params_ *params) const {
 }
 
 slhash *slhash::factory(sdk_table_factory_params_ *params) {
-    if (params == nullptr ||
-        current().faults().meet(asic_call::allocate, params->table_id, 0) != SDK_RET_OK)
-        return nullptr;
+    if (params == nullptr || memory_is_refused(params->table_id)) return nullptr;
     p4pd_table_properties_t properties = {};
     if (p4pd_table_properties_get(params->table_id, &properties) != P4PD_SUCCESS ||
         properties.overflow_tableid == 0)
         return nullptr;
-    auto *table = new (std::nothrow) slhash;
-    if (table == nullptr) return nullptr;
-    try {
-        table->impl_ =
-            new slhash::impl(params->table_id, properties.overflow_tableid, params->entry_trace);
-    } catch (const std::bad_alloc &) {
-        delete table;
-        return nullptr;
-    }
-    return table;
+    return with_parts(new (std::nothrow) slhash, &slhash::impl_, params->table_id,
+                      properties.overflow_tableid, params->entry_trace);
 }
 
 void slhash::destroy(slhash *table) {
@@ -192,20 +182,6 @@ void slhash::destroy(slhash *table) {
     delete table->impl_;
     delete table;
 }
-
-namespace {
-
-// An engine's call, whatever it throws when memory runs out.
-template <class Call>
-sdk_ret_t guarded(Call call) {
-    try {
-        return call();
-    } catch (const std::bad_alloc &) {
-        return SDK_RET_OOM;
-    }
-}
-
-}  // namespace
 
 sdk_ret_t slhash::insert(sdk_table_api_params_ *params) {
     return impl_->counters.done(impl_->counters.inserts,

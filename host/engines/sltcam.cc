@@ -213,20 +213,11 @@ sdk_ret_t sltcam::impl::get(const sdk_table_api_params_ *params) const {
 }
 
 sltcam *sltcam::factory(sdk_table_factory_params_ *params) {
-    if (params == nullptr ||
-        current().faults().meet(asic_call::allocate, params->table_id, 0) != SDK_RET_OK)
-        return nullptr;
+    if (params == nullptr || memory_is_refused(params->table_id)) return nullptr;
     const table_memory *memory = table_memory_of(params->table_id);
     if (memory == nullptr || !memory->has_tcam()) return nullptr;
-    auto *table = new (std::nothrow) sltcam;
-    if (table == nullptr) return nullptr;
-    try {
-        table->impl_ = new sltcam::impl(params->table_id, params->entry_trace);
-    } catch (const std::bad_alloc &) {
-        delete table;
-        return nullptr;
-    }
-    return table;
+    return with_parts(new (std::nothrow) sltcam, &sltcam::impl_, params->table_id,
+                      params->entry_trace);
 }
 
 void sltcam::destroy(sltcam *table) {
@@ -236,14 +227,8 @@ void sltcam::destroy(sltcam *table) {
 }
 
 sdk_ret_t sltcam::insert(sdk_table_api_params_ *params) {
-    const auto run = [&] {
-        try {
-            return impl_->insert(params);
-        } catch (const std::bad_alloc &) {
-            return SDK_RET_OOM;
-        }
-    };
-    return impl_->counters.done(impl_->counters.inserts, run());
+    return impl_->counters.done(impl_->counters.inserts,
+                                guarded([&] { return impl_->insert(params); }));
 }
 sdk_ret_t sltcam::update(sdk_table_api_params_ *params) {
     return impl_->counters.done(impl_->counters.updates, impl_->update(params));
