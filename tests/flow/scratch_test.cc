@@ -2,7 +2,7 @@
 
 #include "ftl/flow_hash.h"
 #include "tests/flow/entry_model.h"
-#include "tests/flow/heap_watch.h"
+#include "tests/support/heap_watch.h"
 
 #include <gtest/gtest.h>
 

@@ -1,46 +1,10 @@
 // No call of the table API allocates, whatever it answers; and each makes one engine call at most.
 
-#include <atomic>
-#include <cstddef>
+#include <cstdlib>
 
+#include "tests/support/heap_watch.h"
 #include "tests/tableapi/fixture.h"
 #include "tev_tbl.h"
-
-extern "C" {
-void *__libc_malloc(size_t);
-void *__libc_calloc(size_t, size_t);
-void *__libc_realloc(void *, size_t);
-void *__libc_memalign(size_t, size_t);
-}
-
-namespace {
-
-std::atomic<bool> counting = false;
-std::atomic<unsigned> allocations = 0;
-
-// The recording host allocates for itself; that is not the library's doing.
-void count() {
-    if (counting && !halden::test::recording_host::inside()) ++allocations;
-}
-
-}  // namespace
-
-extern "C" void *malloc(size_t size) noexcept {
-    count();
-    return __libc_malloc(size);
-}
-extern "C" void *calloc(size_t count_of, size_t size) noexcept {
-    count();
-    return __libc_calloc(count_of, size);
-}
-extern "C" void *realloc(void *memory, size_t size) noexcept {
-    count();
-    return __libc_realloc(memory, size);
-}
-extern "C" void *aligned_alloc(size_t alignment, size_t size) noexcept {
-    count();
-    return __libc_memalign(alignment, size);
-}
 
 namespace halden::test {
 namespace {
@@ -49,11 +13,10 @@ class Allocation : public TableApi {
   protected:
     template <class Call>
     unsigned allocations_of(Call run) {
-        allocations = 0;
-        counting = true;
+        watch_heap();
         run();
-        counting = false;
-        return allocations;
+        const heap_events heap = unwatch_heap();
+        return heap.callocs + heap.others;
     }
 };
 

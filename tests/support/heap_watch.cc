@@ -1,4 +1,4 @@
-#include "tests/flow/heap_watch.h"
+#include "tests/support/heap_watch.h"
 
 #include <atomic>
 #include <cstdlib>
