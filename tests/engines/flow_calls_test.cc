@@ -3,14 +3,10 @@
 
 #include "tests/engines/flow_bed.h"
 
-#include "p4pd.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
-#include <random>
 
 namespace {
 
@@ -99,104 +95,6 @@ TEST(FlowCalls, DoNotTakeTheCallersHints) {
         EXPECT_EQ(hash, slot == 9 ? 1u : 0u) << slot;
     }
     EXPECT_EQ(bed.seen_by_hardware(2), -1);
-}
-
-TEST(FlowCalls, TheRowEqualsWhatTheLibraryPacks) {
-    std::mt19937_64 random(5);
-    for (unsigned round = 0; round < 200; ++round) {
-        std::array<uint8_t, 77> key;
-        std::array<uint8_t, 59> data = {};
-        for (uint8_t &byte : key) byte = static_cast<uint8_t>(random());
-        // flow_idx, no hints, the more flag, the valid bit.
-        for (uint32_t i = 1; i <= 4; ++i) data[i] = static_cast<uint8_t>(random());
-        data[53] = 1;
-        data[58] = 1;
-
-        auto packed = host::adapter::anonymous({64, 32});
-        {
-            host::scoped_current use(*packed);
-            ASSERT_EQ(p4pd_entry_install(flow, 3, key.data(), nullptr, data.data()), 0);
-        }
-        const uint8_t *expected = packed->hbm_rows(flow) + 3 * 128;
-
-        flow_bed bed({64, 32});
-        flow_hash_entry_t entry;
-        std::reverse_copy(expected, expected + 128, entry.body());
-        entry.set_entry_valid(0);
-        sdk_table_api_params_t call = {};
-        call.entry = &entry;
-        ASSERT_EQ(bed.table().insert(&call), 0u);
-        const memory_image memories = bed.memories();
-        ASSERT_EQ(memories.size(), 1u);
-        EXPECT_EQ(memories.begin()->first.first, flow);
-        EXPECT_EQ(std::memcmp(memories.begin()->second.data(), expected, 128), 0);
-    }
-}
-
-// --- Many entries in one call
-
-struct batch {
-    explicit batch(const std::vector<uint64_t> &numbers) {
-        for (const uint64_t number : numbers)
-            entries.push_back({entry_of(number, static_cast<uint32_t>(number + 1000))});
-        for (kept_entry &kept : entries) pointers.push_back(&kept.entry);
-        results.assign(numbers.size(), SDK_RET_ERR);
-    }
-    std::vector<kept_entry> entries;
-    std::vector<base_table_entry_t *> pointers;
-    std::vector<sdk_ret_t> results;
-};
-
-// More entries than one group, some twice, a null pointer, and chains of every length.
-TEST(FlowBatch, EachEntryIsTreatedAsByACallOfItsOwn) {
-    flow_bed bed({16, 128});
-    std::vector<uint64_t> numbers = numbers_up_to(100);
-    numbers.push_back(7);
-    numbers.push_back(99);
-    batch in(numbers);
-    in.pointers.push_back(nullptr);
-    in.results.push_back(SDK_RET_ERR);
-    EXPECT_EQ(ftl_access::insert_batch(bed.table(), in.pointers, in.results), 100u);
-    for (size_t i = 0; i < 100; ++i) ASSERT_EQ(in.results[i], 0u) << i;
-    EXPECT_EQ(in.results[100], 5u);
-    EXPECT_EQ(in.results[101], 5u);
-    EXPECT_EQ(in.results[102], 2u);
-    for (uint64_t number = 0; number < 100; ++number)
-        bed.flows[number] = static_cast<uint32_t>(number + 1000);
-    bed.expect_exactly_the_flows(numbers_up_to(150));
-
-    batch out(numbers_up_to(150));
-    for (kept_entry &kept : out.entries) kept.entry.clear_data();
-    EXPECT_EQ(ftl_access::get_batch(bed.table(), out.pointers, out.results), 100u);
-    for (size_t i = 0; i < 150; ++i) {
-        ASSERT_EQ(out.results[i], i < 100 ? 0u : 4u) << i;
-        ASSERT_EQ(lay::get_bits<lay::flow_idx>(out.entries[i].entry.body()),
-                  i < 100 ? i + 1000 : 0u);
-        ASSERT_EQ(out.entries[i].entry.valid, i < 100 ? 1u : 0u) << i;
-    }
-
-    batch gone({3, 3, 120, 50, 51, 52, 53, 99});
-    EXPECT_EQ(ftl_access::remove_batch(bed.table(), gone.pointers, gone.results), 6u);
-    const std::vector<sdk_ret_t> expected = {SDK_RET_OK,
-                                             SDK_RET_ENTRY_NOT_FOUND,
-                                             SDK_RET_ENTRY_NOT_FOUND,
-                                             SDK_RET_OK,
-                                             SDK_RET_OK,
-                                             SDK_RET_OK,
-                                             SDK_RET_OK,
-                                             SDK_RET_OK};
-    EXPECT_EQ(gone.results, expected);
-    for (const uint64_t number : {3u, 50u, 51u, 52u, 53u, 99u}) bed.flows.erase(number);
-    bed.expect_exactly_the_flows(numbers_up_to(150));
-}
-
-TEST(FlowBatch, AFullTableRefusesTheRest) {
-    flow_bed bed({4, 8});
-    batch in(numbers_up_to(60));
-    EXPECT_EQ(ftl_access::insert_batch(bed.table(), in.pointers, in.results), 11u);
-    EXPECT_EQ(std::count(in.results.begin(), in.results.end(), SDK_RET_OK), 11);
-    EXPECT_EQ(std::count(in.results.begin(), in.results.end(), SDK_RET_NO_RESOURCE), 49);
-    EXPECT_EQ(ftl_access::count(bed.table()), 11u);
 }
 
 // --- Full
