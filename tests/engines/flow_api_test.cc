@@ -81,4 +81,89 @@ TEST_F(FlowApi, TheRowEqualsWhatTheLibraryPacksForTheSameRecords) {
     }
 }
 
+// more_hashes 0 and more_hints 0 in the spec: a later read gives more_hashes 1.
+TEST_F(FlowApi, AFlowIsReadBackWithTheMoreFlag) {
+    for (unsigned round = 0; round < 100; ++round) {
+        SCOPED_TRACE(round);
+        tev_tbl_flow_spec_t spec = random_spec();
+        spec.action_u.flow_hash.more_hashes = round % 2;
+        spec.action_u.flow_hash.more_hints = 0;
+        ASSERT_EQ(tev_tbl_flow_create(&spec), 0u);
+        const tev_tbl_flow_info_t before = random_spec();
+        tev_tbl_flow_info_t info = before;
+        ASSERT_EQ(tev_tbl_flow_read(&spec.key, &info), 0u);
+        EXPECT_EQ(info.action_id, 0u);
+        EXPECT_EQ(+info.action_u.flow_hash.flow_idx, spec.action_u.flow_hash.flow_idx & 0x3fffffu);
+        EXPECT_EQ(info.action_u.flow_hash.more_hashes, 1u);
+        EXPECT_EQ(+info.action_u.flow_hash.more_hints, 0u);
+        EXPECT_EQ(+info.action_u.flow_hash.hash1, 0u);
+        EXPECT_EQ(+info.action_u.flow_hash.hint1, 0u);
+        EXPECT_EQ(+info.action_u.flow_hash.hash8, 0u);
+        EXPECT_EQ(+info.action_u.flow_hash.hint8, 0u);
+        EXPECT_EQ(std::memcmp(&info.key, &before.key, sizeof info.key), 0);
+    }
+}
+
+// Values wider than their field are cut: keys that differ in cut bits only are the same flow.
+TEST_F(FlowApi, WideValuesAreCut) {
+    tev_tbl_flow_spec_t spec = {};
+    spec.key.metadata_flow_key_vni = 0xff000001;
+    spec.key.metadata_flow_key_port_id = 0xf802;
+    spec.key.metadata_flow_key_rsvd = 0xe3;
+    spec.action_u.flow_hash.flow_idx = 0xffc00004;
+    ASSERT_EQ(tev_tbl_flow_create(&spec), 0u);
+    tev_tbl_flow_key_t key = {};
+    key.metadata_flow_key_vni = 1;
+    key.metadata_flow_key_port_id = 2;
+    key.metadata_flow_key_rsvd = 3;
+    tev_tbl_flow_info_t info = {};
+    ASSERT_EQ(tev_tbl_flow_read(&key, &info), 0u);
+    EXPECT_EQ(+info.action_u.flow_hash.flow_idx, 4u);
+    EXPECT_EQ(tev_tbl_flow_create(&spec), 9u);
+    key.metadata_flow_key_rsvd = 2;
+    EXPECT_EQ(tev_tbl_flow_find(&key), 4u);
+}
+
+TEST_F(FlowApi, AnswersForMissingAndPresentFlows) {
+    tev_tbl_flow_spec_t spec = random_spec();
+    spec.action_u.flow_hash.flow_idx = 0x123456;
+    const tev_tbl_flow_info_t before = random_spec();
+    const auto expect_missing = [&] {
+        tev_tbl_flow_info_t info = before;
+        EXPECT_EQ(tev_tbl_flow_read(&spec.key, &info), 15u);
+        EXPECT_EQ(std::memcmp(&info, &before, sizeof info), 0);
+        EXPECT_EQ(tev_tbl_flow_find(&spec.key), 4u);
+        EXPECT_EQ(tev_tbl_flow_update(&spec), 9u);
+        EXPECT_EQ(tev_tbl_flow_delete(&spec.key), 9u);
+        EXPECT_EQ(adapter_->next_used(flow, 0), 4194304u);
+        EXPECT_FALSE(look_up(spec).hit);
+    };
+    const auto expect_flow_idx = [&](uint32_t flow_idx) {
+        tev_tbl_flow_info_t info = {};
+        EXPECT_EQ(tev_tbl_flow_find(&spec.key), 0u);
+        EXPECT_EQ(tev_tbl_flow_read(&spec.key, &info), 0u);
+        EXPECT_EQ(+info.action_u.flow_hash.flow_idx, flow_idx);
+        const host::view::answer found = look_up(spec);
+        ASSERT_TRUE(found.hit);
+        // The top 22 bits of the word at byte 64.
+        EXPECT_EQ(found.image[64] << 14 | found.image[65] << 6 | found.image[66] >> 2, flow_idx);
+    };
+
+    expect_missing();
+    EXPECT_EQ(tev_tbl_flow_create(&spec), 0u);
+    expect_flow_idx(0x123456);
+    // Created twice: refused, and the first one stands.
+    spec.action_u.flow_hash.flow_idx = 0x222222;
+    EXPECT_EQ(tev_tbl_flow_create(&spec), 9u);
+    expect_flow_idx(0x123456);
+    EXPECT_EQ(tev_tbl_flow_update(&spec), 0u);
+    expect_flow_idx(0x222222);
+    EXPECT_EQ(tev_tbl_flow_table_clear(), 255u);
+    expect_flow_idx(0x222222);
+    EXPECT_EQ(tev_tbl_flow_delete(&spec.key), 0u);
+    expect_missing();
+    EXPECT_EQ(tev_tbl_flow_create(&spec), 0u);
+    expect_flow_idx(0x222222);
+}
+
 }  // namespace
