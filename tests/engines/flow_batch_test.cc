@@ -1,6 +1,7 @@
 // Many flow entries in one call: each is treated as by a call of its own.
 
 #include "tests/engines/flow_bed.h"
+#include "tests/engines/flow_derived.h"
 
 #include <gtest/gtest.h>
 
@@ -75,6 +76,38 @@ TEST(FlowBatch, AFullTableRefusesTheRest) {
     EXPECT_EQ(std::count(in.results.begin(), in.results.end(), SDK_RET_OK), 11);
     EXPECT_EQ(std::count(in.results.begin(), in.results.end(), SDK_RET_NO_RESOURCE), 49);
     EXPECT_EQ(ftl_access::count(bed.table()), 11u);
+}
+
+// One call may hold entries of several classes; the table's own may be derived as well.
+TEST(FlowBatch, EntriesOfTwoClassesInOneCall) {
+    for (const bool derived_scratch : {false, true}) {
+        SCOPED_TRACE(derived_scratch);
+        flow_bed bed({16, 128}, derived_scratch ? &make_table<table_of_derived_entries>
+                                                : &make_table<flow_hash>);
+        batch plain(numbers_up_to(100));
+        std::vector<kept_derived_entry> derived;
+        for (const kept_entry &kept : plain.entries) derived.push_back({derived_entry(kept.entry)});
+        std::vector<base_table_entry_t *> mixed = plain.pointers;
+        for (size_t i = 0; i < 100; i += 3) mixed[i] = &derived[i].entry;
+        EXPECT_EQ(ftl_access::insert_batch(bed.table(), mixed, plain.results), 100u);
+        for (uint64_t number = 0; number < 100; ++number)
+            bed.flows[number] = static_cast<uint32_t>(number + 1000);
+        bed.expect_exactly_the_flows(numbers_up_to(120));
+
+        for (size_t i = 0; i < 100; ++i) {
+            plain.entries[i].entry.clear_data();
+            derived[i].entry.clear_data();
+        }
+        EXPECT_EQ(ftl_access::get_batch(bed.table(), mixed, plain.results), 100u);
+        for (size_t i = 0; i < 100; ++i) {
+            auto *entry = static_cast<flow_hash_entry_t *>(mixed[i]);
+            EXPECT_EQ(lay::get_bits<lay::flow_idx>(entry->body()), i + 1000) << i;
+            EXPECT_EQ(entry->valid, 1u) << i;
+            EXPECT_TRUE(derived[i].entry.is_whole());
+        }
+        EXPECT_EQ(ftl_access::remove_batch(bed.table(), mixed, plain.results), 100u);
+        EXPECT_EQ(bed.memories(), memory_image());
+    }
 }
 
 }  // namespace

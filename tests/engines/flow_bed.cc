@@ -1,6 +1,7 @@
 #include "tests/engines/flow_bed.h"
 
 #include "host/view/lookup.h"
+#include "tests/engines/flow_derived.h"
 
 #include <gtest/gtest.h>
 
@@ -92,40 +93,57 @@ flow_bed::flow_bed(const host::adapter_options &options, const std::string &dire
     table_ = flow_hash::factory(&params);
 }
 
+flow_bed::flow_bed(const host::adapter_options &options, table_maker *make)
+    : adapter_(open(options, {})), current_(*adapter_), table_(make()) {}
+
 flow_bed::~flow_bed() { flow_hash::destroy(table_); }
+
+sdk_ret_t flow_bed::call_as(flow_hash_entry_t &entry, single_call single, batch_call batch) {
+    if (as_batches && batch != nullptr) {
+        base_table_entry_t *const pointer = &entry;
+        sdk_ret_t result = SDK_RET_ERR;
+        const size_t succeeded = batch(*table_, {&pointer, 1}, {&result, 1});
+        EXPECT_EQ(succeeded, result == SDK_RET_OK ? 1u : 0u);
+        return result;
+    }
+    sdk_table_api_params_t params = {};
+    params.entry = &entry;
+    return (table_->*single)(&params);
+}
+
+sdk_ret_t flow_bed::call(flow_hash_entry_t &entry, single_call single, batch_call batch) {
+    if (!derived_callers) return call_as(entry, single, batch);
+    derived_entry derived(entry);
+    const sdk_ret_t result = call_as(derived, single, batch);
+    EXPECT_TRUE(derived.is_whole());
+    entry = derived;
+    return result;
+}
 
 sdk_ret_t flow_bed::insert(uint64_t number, uint32_t flow_idx) {
     flow_hash_entry_t entry = entry_of(number, flow_idx);
-    sdk_table_api_params_t call = {};
-    call.entry = &entry;
-    const sdk_ret_t result = table_->insert(&call);
+    const sdk_ret_t result = call(entry, &flow_hash::insert, &ftl_access::insert_batch);
     if (result == SDK_RET_OK) flows[number] = flow_idx;
     return result;
 }
 
 sdk_ret_t flow_bed::update(uint64_t number, uint32_t flow_idx) {
     flow_hash_entry_t entry = entry_of(number, flow_idx);
-    sdk_table_api_params_t call = {};
-    call.entry = &entry;
-    const sdk_ret_t result = table_->update(&call);
+    const sdk_ret_t result = call(entry, &flow_hash::update, nullptr);
     if (result == SDK_RET_OK) flows[number] = flow_idx;
     return result;
 }
 
 sdk_ret_t flow_bed::remove(uint64_t number) {
     flow_hash_entry_t entry = entry_of(number);
-    sdk_table_api_params_t call = {};
-    call.entry = &entry;
-    const sdk_ret_t result = table_->remove(&call);
+    const sdk_ret_t result = call(entry, &flow_hash::remove, &ftl_access::remove_batch);
     if (result == SDK_RET_OK) flows.erase(number);
     return result;
 }
 
 sdk_ret_t flow_bed::get(uint64_t number, uint32_t *flow_idx) {
     flow_hash_entry_t entry = entry_of(number);
-    sdk_table_api_params_t call = {};
-    call.entry = &entry;
-    const sdk_ret_t result = table_->get(&call);
+    const sdk_ret_t result = call(entry, &flow_hash::get, &ftl_access::get_batch);
     if (result == SDK_RET_OK) {
         flow_hash_entry_t same = entry_of(number);
         EXPECT_TRUE(entry.compare_key(&same));

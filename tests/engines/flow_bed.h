@@ -8,8 +8,11 @@
 #include "host/engines/flow/ftl_access.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <map>
 #include <memory>
+#include <new>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -42,9 +45,23 @@ struct kept_entry {
 // Rows by table and number.
 using memory_image = std::map<std::pair<uint32_t, uint32_t>, host::flow_image>;
 
+// A table of a class derived from flow_hash, as the factory makes one of the class itself.
+template <class Table>
+flow_hash *make_table() {
+    void *memory = std::calloc(1, sizeof(Table));
+    Table *table = ::new (memory) Table;
+    sdk::table::sdk_table_factory_params_t params = {};
+    if (table->init_(&params) == SDK_RET_OK) return table;
+    std::free(memory);
+    return nullptr;
+}
+
 class flow_bed {
   public:
+    using table_maker = flow_hash *();
+
     explicit flow_bed(const host::adapter_options &options, const std::string &directory = {});
+    flow_bed(const host::adapter_options &options, table_maker *make);
     ~flow_bed();
     flow_bed(const flow_bed &) = delete;
     flow_bed &operator=(const flow_bed &) = delete;
@@ -71,7 +88,17 @@ class flow_bed {
 
     std::unordered_map<uint64_t, uint32_t> flows;
 
+    // How the calls by key number are made: with entries of a derived class, and as the only entry
+    // of a call for many.
+    bool derived_callers = false;
+    bool as_batches = false;
+
   private:
+    using single_call = sdk_ret_t (sdk::table::ftl_base::*)(sdk_table_api_params_t *);
+    using batch_call = size_t (*)(sdk::table::ftl_base &, std::span<base_table_entry_t *const>,
+                                  std::span<sdk_ret_t>);
+    sdk_ret_t call(flow_hash_entry_t &entry, single_call single, batch_call batch);
+    sdk_ret_t call_as(flow_hash_entry_t &entry, single_call single, batch_call batch);
     uint32_t rows_in_use(uint32_t table);
 
     std::unique_ptr<host::adapter> adapter_;
