@@ -204,3 +204,33 @@ TEST(FlowKey, Ipv6TakesAllSixteenBytes) {
     EXPECT_EQ(key.metadata_flow_key_ktype, 2);
     EXPECT_EQ(flow_of(key), f);
 }
+
+// A key made by hand: fields that no packet's flow decides are named behind the flow.
+TEST(FlowKey, NamesTheFieldsThatTheFlowDoesNotDecide) {
+    const auto [v, f] = look(join({ethernet_v4, ipv4_tcp, tcp}));
+    ASSERT_EQ(v, verdict::flow_found);
+    flow_swkey_t key = key_of(f);
+    EXPECT_EQ(key_text(key), "tcp 10.1.0.5:51820 -> 192.0.2.7:443");
+    key.metadata_flow_key_smac[0] = 0x01;
+    key.metadata_flow_key_smac[5] = 0x02;
+    key.metadata_flow_key_dmac[0] = 0xff;
+    key.metadata_flow_key_port_id = 3;
+    key.metadata_flow_key_rsvd = 4;
+    key.metadata_flow_key_outer_flow_id = 5;
+    key.metadata_flow_key_spare[0] = 0xab;
+    EXPECT_EQ(key_text(key),
+              "tcp 10.1.0.5:51820 -> 192.0.2.7:443 smac 02:00:00:00:00:01 dmac 00:00:00:00:00:ff "
+              "port_id 3 rsvd 4 outer_flow_id 5 spare 0x000000000000000000000000000000ab");
+}
+
+// Key types of neither kind, and an IPv4 type over an address that is none, are shown as IPv6.
+TEST(FlowKey, ShowsTheKeyTypeWhereTheFlowDoesNotTellIt) {
+    flow_swkey_t key = {};
+    key.metadata_flow_key_proto = 17;
+    key.metadata_flow_key_sip[0] = 1;
+    EXPECT_EQ(key_text(key), "udp [::1]:0 -> [::]:0 ktype 0");
+    key.metadata_flow_key_ktype = 1;
+    EXPECT_EQ(key_text(key), "udp 0.0.0.1:0 -> 0.0.0.0:0");
+    key.metadata_flow_key_sip[15] = 0x20;
+    EXPECT_EQ(key_text(key), "udp [2000::1]:0 -> [::]:0 ktype 1");
+}

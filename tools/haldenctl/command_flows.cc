@@ -26,6 +26,24 @@ std::string counted(uint64_t n, const char *one, const char *many) {
     return std::to_string(n) + " " + (n == 1 ? one : many);
 }
 
+// Flows that a command could not do, for the one line in which it says so.
+class named_flows {
+  public:
+    void add(const std::string &name) {
+        if (count_++ < most_named) names_ += (names_.empty() ? "" : ", ") + name;
+    }
+    size_t count() const { return count_; }
+    std::string text() const {
+        const size_t rest = count_ > most_named ? count_ - most_named : 0;
+        return names_ + (rest == 0 ? "" : " and " + std::to_string(rest) + " more");
+    }
+
+  private:
+    static constexpr size_t most_named = 8;
+    size_t count_ = 0;
+    std::string names_;
+};
+
 // --- import --------------------------------------------------------------------------------------
 
 struct flow_hasher {
@@ -135,7 +153,7 @@ std::vector<stored_flow> matching(flow_store &store, const flow_filter &filter) 
 }
 
 json json_of(const stored_flow &f) {
-    return {{"flow", packets::flow_text(f.flow)},
+    return {{"flow", packets::key_text(f.key)},
             {"flow_idx", f.index},
             {"packets", f.counts.packets},
             {"bytes", f.counts.bytes},
@@ -160,7 +178,7 @@ void list(opened_tables &tables, const list_options &wanted) {
     };
     std::stable_sort(flows.begin(), flows.end(), [&](const stored_flow &a, const stored_flow &b) {
         if (amount(a) != amount(b)) return amount(a) > amount(b);
-        return packets::flow_text(a.flow) < packets::flow_text(b.flow);
+        return packets::key_text(a.key) < packets::key_text(b.key);
     });
     const size_t all = flows.size();
     if (wanted.top != 0 && flows.size() > wanted.top) flows.resize(wanted.top);
@@ -173,7 +191,7 @@ void list(opened_tables &tables, const list_options &wanted) {
     columns shown({">PACKETS", ">BYTES", ">FLOW_IDX", "FLOW"});
     for (const stored_flow &f : flows)
         shown.row({std::to_string(f.counts.packets), std::to_string(f.counts.bytes),
-                   std::to_string(f.index), packets::flow_text(f.flow)});
+                   std::to_string(f.index), packets::key_text(f.key)});
     if (!flows.empty()) std::cout << shown.text();
     std::cout << counted(all, "flow", "flows")
               << (all > flows.size() ? ", " + std::to_string(flows.size()) + " shown" : "") << "\n";
@@ -193,7 +211,7 @@ void find(opened_tables &tables, const flow_filter &filter) {
     flow_store store(tables);
     store.for_each([&](const stored_flow &f) {
         if (f.table != hit.table || f.row != hit.row) return true;
-        std::cout << packets::flow_text(f.flow) << "\n  flow_idx " << f.index << ", "
+        std::cout << packets::key_text(f.key) << "\n  flow_idx " << f.index << ", "
                   << counted(f.counts.packets, "packet", "packets") << ", "
                   << counted(f.counts.bytes, "byte", "bytes") << "\n  "
                   << pipeline::find_table(f.table)->name << " "
@@ -211,15 +229,22 @@ void remove(opened_tables &tables, const flow_filter &filter, bool all) {
     flow_store store(tables);
     const std::vector<stored_flow> flows = matching(store, filter);
     if (flows.empty()) throw failure("no flow matches; `haldenctl flows list` shows them");
-    size_t done = 0;
+    named_flows refused, data_left;
     for (const stored_flow &f : flows) {
-        if (!store.remove(f))
-            throw failure("the flow table refused to delete " + packets::flow_text(f.flow) + "; " +
-                          std::to_string(done) + " of " + std::to_string(flows.size()) +
-                          " deleted; --log-level error says why");
-        ++done;
+        const remove_result result = store.remove(f);
+        if (result == remove_result::refused) refused.add(packets::key_text(f.key));
+        if (result == remove_result::data_left) data_left.add(packets::key_text(f.key));
     }
-    std::cout << counted(done, "flow", "flows") << " deleted\n";
+    std::cout << counted(flows.size() - refused.count(), "flow", "flows") << " deleted\n";
+    std::string left;
+    if (refused.count() != 0)
+        left = "the flow table refused to delete " + counted(refused.count(), "flow", "flows") +
+               ": " + refused.text();
+    if (data_left.count() != 0)
+        left += (left.empty() ? "" : "; ") + std::string("the data of ") +
+                counted(data_left.count(), "flow", "flows") +
+                " could not be deleted: " + data_left.text();
+    if (!left.empty()) throw failure(left + "; --log-level error says why");
 }
 
 // --- stats ---------------------------------------------------------------------------------------

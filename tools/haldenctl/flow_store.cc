@@ -112,19 +112,20 @@ add_result flow_store::add(const packets::flow &f, const flow_counts &counts) {
     return add_result::refused;
 }
 
-bool flow_store::remove(const stored_flow &f) {
-    const tev_tbl_flow_key_t key = packets::key_of(f.flow);
-    if (tev_tbl_flow_delete(&key) != TEV_TBL_RET_OK) return false;
+remove_result flow_store::remove(const stored_flow &f) {
+    if (tev_tbl_flow_delete(&f.key) != TEV_TBL_RET_OK) return remove_result::refused;
     searched_ = 1;
     tev_tbl_ipfix_ingress_key_t export_key = {};
     export_key.index = f.index;
     tev_tbl_flow_info_key_t info_key = {};
     info_key.index = f.index;
     // A flow written by hand may have neither.
+    bool done = true;
     if (tev_tbl_ipfix_ingress_find(&export_key) == TEV_TBL_RET_OK)
-        tev_tbl_ipfix_ingress_delete(&export_key);
-    if (tev_tbl_flow_info_find(&info_key) == TEV_TBL_RET_OK) tev_tbl_flow_info_delete(&info_key);
-    return true;
+        done = tev_tbl_ipfix_ingress_delete(&export_key) == TEV_TBL_RET_OK;
+    if (tev_tbl_flow_info_find(&info_key) == TEV_TBL_RET_OK)
+        done = tev_tbl_flow_info_delete(&info_key) == TEV_TBL_RET_OK && done;
+    return done ? remove_result::removed : remove_result::data_left;
 }
 
 void flow_store::for_each(const std::function<bool(const stored_flow &)> &see) {
@@ -134,9 +135,8 @@ void flow_store::for_each(const std::function<bool(const stored_flow &)> &see) {
             auto read = read_back(*tables_, t, entry.row);
             if (!read) return true;
             stored_flow out;
-            flow_swkey_t key;
-            std::memcpy(&key, read->key.data(), sizeof key);
-            out.flow = packets::flow_of(key);
+            std::memcpy(&out.key, read->key.data(), sizeof out.key);
+            out.flow = packets::flow_of(out.key);
             out.index = static_cast<uint32_t>(read->data_value(0));
             out.table = entry.table;
             out.row = entry.row;

@@ -23,14 +23,16 @@ struct flow_counts {
 };
 
 struct stored_flow {
-    packets::flow flow;
-    uint32_t index = 0;  // flow_idx
-    uint32_t table = 0;  // flow or flow_ohash
+    flow_swkey_t key = {};  // whole: a flow made by hand may have fields that no packet decides
+    packets::flow flow;     // what the key is about
+    uint32_t index = 0;     // flow_idx
+    uint32_t table = 0;     // flow or flow_ohash
     uint32_t row = 0;
     uint32_t path = 0;  // rows in front of it in its bucket
     flow_counts counts;
 };
 
+enum class remove_result : uint8_t { removed, refused, data_left };
 enum class add_result : uint8_t { added, counted, no_info_row, refused };
 
 class flow_store {
@@ -39,8 +41,8 @@ class flow_store {
 
     // Makes the flow if it is not there, and adds to its counts.
     add_result add(const packets::flow &f, const flow_counts &counts);
-    // Takes it out with its data. False when the engine refuses.
-    bool remove(const stored_flow &f);
+    // Takes it out with its data.
+    remove_result remove(const stored_flow &f);
     // Every flow, by buckets, until `see` answers false. `see` may not change the tables.
     void for_each(const std::function<bool(const stored_flow &)> &see);
 

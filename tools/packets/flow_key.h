@@ -15,7 +15,11 @@ inline constexpr uint8_t key_type_ipv4 = 1;
 inline constexpr uint8_t key_type_ipv6 = 2;
 
 flow_swkey_t key_of(const flow &f);
-// The flow of a key that key_of made. A key type of neither kind is shown as IPv6.
+// The flow that a key is about. One that key_of did not make may have fields of which the flow
+// knows nothing; what is no IPv4 key by type and addresses is read as IPv6.
 flow flow_of(const flow_swkey_t &key);
+// The flow, and the key's fields that the flow does not decide:
+// "tcp 10.1.0.5:51820 -> 192.0.2.7:443 smac 02:00:00:00:00:01 port_id 3"
+std::string key_text(const flow_swkey_t &key);
 
 }  // namespace halden::packets
