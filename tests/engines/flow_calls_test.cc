@@ -45,6 +45,25 @@ TEST(FlowCalls, RefuseNullPointers) {
     }
 }
 
+// A table that was never given an engine.
+TEST(FlowCalls, RefuseEverythingWithoutAnEngine) {
+    flow_hash table;
+    flow_hash_entry_t entry = entry_of(1);
+    sdk_table_api_params_t call = {};
+    call.entry = &entry;
+    EXPECT_EQ(table.insert(&call), 2u);
+    EXPECT_EQ(table.update(&call), 2u);
+    EXPECT_EQ(table.remove(&call), 2u);
+    EXPECT_EQ(table.get(&call), 2u);
+    EXPECT_EQ(table.restore_state(), 2u);
+    EXPECT_EQ(ftl_access::count(table), 0u);
+    EXPECT_EQ(ftl_access::statistics(table).main_depth, 0u);
+    ftl_access::for_each(table, [](const ftl_access::stored_flow &) {
+        ADD_FAILURE() << "no flow can be there";
+        return true;
+    });
+}
+
 TEST(FlowCalls, LeaveTheCallersRecordAndAMissedEntryAlone) {
     flow_bed bed({64, 32});
     bed.insert(1, 5);
@@ -74,6 +93,56 @@ TEST(FlowCalls, TakeAHashThatTheCallerKnows) {
     EXPECT_EQ(bed.table().get(&call), 0u);
     call.hash_value = ~call.hash_value;  // another row
     EXPECT_EQ(bed.table().get(&call), 4u);
+}
+
+// A hash that the caller gives is used unchanged, by all four calls: the flow stands where the
+// caller says, and only who gives the same hash finds it.
+TEST(FlowCalls, AHashThatTheCallerGivesDecidesWhereAFlowStands) {
+    flow_bed bed({16, 64});
+    const auto hash_given_to = [](uint64_t number) {
+        return static_cast<uint32_t>(number * 0x9e3779b9);
+    };
+    const auto with_hash = [&](uint64_t number, uint32_t hash, uint32_t flow_idx, auto operation) {
+        flow_hash_entry_t entry = entry_of(number, flow_idx);
+        sdk_table_api_params_t call = {};
+        call.entry = &entry;
+        call.hash_valid = true;
+        call.hash_value = hash;
+        const sdk_ret_t result = (bed.table().*operation)(&call);
+        EXPECT_TRUE(call.hash_valid);
+        EXPECT_EQ(call.hash_value, hash);
+        if (operation == &flow_hash::get && result == SDK_RET_OK) {
+            EXPECT_EQ(lay::get_bits<lay::flow_idx>(entry.body()), number + 500);
+        }
+        return result;
+    };
+    unsigned rows[16] = {};
+    for (uint64_t number = 0; number < 40; ++number) {
+        const uint32_t hash = hash_given_to(number);
+        ASSERT_EQ(with_hash(number, hash, 1, &flow_hash::insert), 0u);
+        ASSERT_EQ(with_hash(number, hash, 1, &flow_hash::insert), 5u);
+        ASSERT_EQ(with_hash(number, hash, static_cast<uint32_t>(number + 500), &flow_hash::update),
+                  0u);
+        // The four high bits name one of the sixteen rows.
+        if (rows[hash >> 28]++ > 0) continue;
+        const uint8_t *row = bed.hardware().hbm_rows(flow) + size_t{128} * (hash >> 28);
+        flow_hash_entry_t stored, key = entry_of(number);
+        std::reverse_copy(row, row + 128, stored.body());
+        EXPECT_EQ(stored.get_entry_valid(), 1);
+        EXPECT_TRUE(stored.compare_key(&key)) << number;
+    }
+    EXPECT_EQ(ftl_access::count(bed.table()), 40u);
+    for (uint64_t number = 0; number < 40; ++number) {
+        const uint32_t hash = hash_given_to(number);
+        ASSERT_EQ(with_hash(number, hash, 0, &flow_hash::get), 0u);
+        // Another row.
+        ASSERT_EQ(with_hash(number, hash ^ 0x80000000, 0, &flow_hash::get), 4u);
+        ASSERT_EQ(with_hash(number, hash ^ 0x80000000, 0, &flow_hash::update), 4u);
+        ASSERT_EQ(with_hash(number, hash ^ 0x80000000, 0, &flow_hash::remove), 4u);
+    }
+    for (uint64_t number = 0; number < 40; ++number)
+        ASSERT_EQ(with_hash(number, hash_given_to(number), 0, &flow_hash::remove), 0u);
+    EXPECT_EQ(bed.memories(), memory_image());
 }
 
 // The caller's hints are nobody's business but the engine's; the more flag is kept, and leads
