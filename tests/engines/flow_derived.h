@@ -50,4 +50,24 @@ class table_of_derived_entries : public sdk::table::flow_hash {
     static inline derived_entry entries[16][8];
 };
 
+// A flow table whose hash fails: the first `passes` calls of each arming succeed.
+class table_of_failing_hashes : public sdk::table::flow_hash {
+  public:
+    sdk_ret_t genhash_(sdk::table::sdk_table_api_params_ *params) override {
+        if (code_ == SDK_RET_OK) return flow_hash::genhash_(params);
+        if (passes_ == 0) return code_;
+        --passes_;
+        return flow_hash::genhash_(params);
+    }
+    void fail_with(sdk_ret_t code, uint32_t passes = 0) {
+        code_ = code;
+        passes_ = passes;
+    }
+    void fail_no_more() { code_ = SDK_RET_OK; }
+
+  private:
+    sdk_ret_t code_ = SDK_RET_OK;
+    uint32_t passes_ = 0;
+};
+
 }  // namespace halden::test
