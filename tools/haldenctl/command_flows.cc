@@ -164,15 +164,17 @@ json json_of(const stored_flow &f) {
 }
 
 struct list_options {
-    flow_filter filter;
+    flow_filter_options filter;
     std::string by = "bytes";
-    size_t top = 0;
+    uint32_t top = 0;
     bool as_json = false;
 };
 
-void list(opened_tables &tables, const list_options &wanted) {
+void list(const options &given, const list_options &wanted) {
+    const flow_filter filter = wanted.filter.parsed();
+    opened_tables tables(given);
     flow_store store(tables);
-    std::vector<stored_flow> flows = matching(store, wanted.filter);
+    std::vector<stored_flow> flows = matching(store, filter);
     const auto amount = [&](const stored_flow &f) {
         return wanted.by == "packets" ? f.counts.packets : f.counts.bytes;
     };
@@ -198,8 +200,9 @@ void list(opened_tables &tables, const list_options &wanted) {
 }
 
 // The one flow with these very addresses and ports, by its packet's key.
-void find(opened_tables &tables, const flow_filter &filter) {
-    const packets::flow wanted = filter.whole_flow();
+void find(const options &given, const flow_filter_options &filter) {
+    const packets::flow wanted = filter.parsed().whole_flow();
+    opened_tables tables(given);
     const flow_swkey_t key = packets::key_of(wanted);
     uint8_t image[pipeline::wide_key_image_bytes] = {};
     flow_swkey_t copy = key;
@@ -223,9 +226,12 @@ void find(opened_tables &tables, const flow_filter &filter) {
     });
 }
 
-void remove(opened_tables &tables, const flow_filter &filter, bool all) {
-    if (filter.empty() && !all)
-        throw CLI::ValidationError("flows delete", "a filter or --all is required");
+void remove(const options &given, const flow_filter_options &wanted, bool all) {
+    const flow_filter filter = wanted.parsed();
+    if (filter.empty() == !all)
+        throw CLI::ValidationError("flows delete", all ? "--all leaves no room for a filter"
+                                                       : "a filter or --all is required");
+    opened_tables tables(given);
     flow_store store(tables);
     const std::vector<stored_flow> flows = matching(store, filter);
     if (flows.empty()) throw failure("no flow matches; `haldenctl flows list` shows them");
@@ -317,33 +323,26 @@ void add_flows(CLI::App &app, const options &given) {
     command = flows->add_subcommand("list", "Flows with their packets and bytes");
     auto listed = std::make_shared<list_options>();
     listed->filter.add_to(command);
-    command->add_option("--top", listed->top, "The first so many")->type_name("N");
+    command->add_option("--top", listed->top, "The first so many")
+        ->type_name("N")
+        ->transform(number_between(1, ~uint32_t{0}));
     command->add_option("--by", listed->by, "Most bytes first, or most packets")
         ->check(CLI::IsMember({"bytes", "packets"}))
         ->capture_default_str();
     command->add_flag("--json", listed->as_json, "As JSON");
-    command->callback([&given, listed] {
-        opened_tables tables(given);
-        list(tables, *listed);
-    });
+    command->callback([&given, listed] { list(given, *listed); });
 
     command = flows->add_subcommand("find", "One flow, looked up as hardware would");
-    auto found = std::make_shared<flow_filter>();
+    auto found = std::make_shared<flow_filter_options>();
     found->add_to(command);
-    command->callback([&given, found] {
-        opened_tables tables(given);
-        find(tables, *found);
-    });
+    command->callback([&given, found] { find(given, *found); });
 
     command = flows->add_subcommand("delete", "Flows and their data");
-    auto deleted = std::make_shared<flow_filter>();
+    auto deleted = std::make_shared<flow_filter_options>();
     auto all = std::make_shared<bool>(false);
     deleted->add_to(command);
     command->add_flag("--all", *all, "Every flow");
-    command->callback([&given, deleted, all] {
-        opened_tables tables(given);
-        remove(tables, *deleted, *all);
-    });
+    command->callback([&given, deleted, all] { remove(given, *deleted, *all); });
 
     command = flows->add_subcommand("stats", "Load, and how far flows are from their hash");
     command->callback([&given] {
@@ -355,9 +354,10 @@ void add_flows(CLI::App &app, const options &given) {
     auto made = std::make_shared<generate_options>();
     command->add_option("N", made->packets, "About so many packets")
         ->required()
-        ->check(CLI::Range(uint64_t{1}, uint64_t{1000000000}));
+        ->transform(number_between(1, 1000000000));
     command->add_option("CAPTURE", made->path, "The file, pcap")->required();
     command->add_option("--seed", made->seed, "The same packets for the same seed")
+        ->transform(number_between(0, ~uint32_t{0}))
         ->capture_default_str();
     command->callback([made] { generate(*made); });
 }
