@@ -1,12 +1,11 @@
 // Several threads on one flow table: no flow is lost, none appears that nobody made, and no reader
 // sees a mixture. Runs for HALDEN_SOAK_SECONDS, a moment when it is not set.
 
-#include "tests/engines/flow_bed.h"
+#include "tests/engines/flow_threads.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
 #include <random>
 #include <thread>
@@ -15,22 +14,21 @@
 extern "C" const char *__lsan_default_suppressions();
 extern "C" const char *__lsan_default_suppressions() { return "leak:flow_hash::genhash_\n"; }
 
+namespace halden::test {
+
+std::chrono::milliseconds soak(std::chrono::milliseconds moment) {
+    const char *seconds = std::getenv("HALDEN_SOAK_SECONDS");
+    return seconds != nullptr ? std::chrono::seconds(std::atoi(seconds)) : moment;
+}
+
+}  // namespace halden::test
+
 namespace {
 
 using namespace halden;
 using namespace halden::test;
 
-std::chrono::milliseconds soak() {
-    const char *seconds = std::getenv("HALDEN_SOAK_SECONDS");
-    return seconds != nullptr ? std::chrono::seconds(std::atoi(seconds))
-                              : std::chrono::milliseconds(700);
-}
-
-// The data of a flow names its key, so that a reader knows whose data it got.
-constexpr uint32_t flow_idx_of(uint64_t key, uint32_t version) {
-    return static_cast<uint32_t>(key << 10 | (version & 0x3ff));
-}
-constexpr uint64_t key_of(uint32_t flow_idx) { return flow_idx >> 10; }
+constexpr std::chrono::milliseconds moment{700};
 
 // Keys by what is done to them: some stay, some come and go, some never come.
 constexpr uint64_t keys = 1536;
@@ -39,9 +37,6 @@ bool never_comes(uint64_t key) { return key % 3 == 1; }
 
 struct call_entry {
     explicit call_entry(const flow_hash_entry_t &key) : entry(key) { call.entry = &entry; }
-    uint32_t flow_idx() const {
-        return static_cast<uint32_t>(flow_layout::get_bits<flow_layout::flow_idx>(entry.body()));
-    }
     flow_hash_entry_t entry;
     sdk_table_api_params_t call = {};
 };
@@ -100,7 +95,7 @@ class FlowThreads : public testing::TestWithParam<host::adapter_options> {
             }
             if (result == SDK_RET_OK) {
                 flow_hash_entry_t asked = entries_[key].entry;
-                check(!never_comes(key) && key_of(one.flow_idx()) == key &&
+                check(!never_comes(key) && key_of(flow_idx_of(one.entry)) == key &&
                       one.entry.compare_key(&asked));
             } else {
                 check(result == SDK_RET_ENTRY_NOT_FOUND && !stays(key));
@@ -114,8 +109,7 @@ class FlowThreads : public testing::TestWithParam<host::adapter_options> {
             ftl_access::for_each(bed_.table(), [&](const ftl_access::stored_flow &stored) {
                 flow_hash_entry_t entry;
                 stored.copy_to(entry);
-                const uint64_t key = key_of(static_cast<uint32_t>(
-                    flow_layout::get_bits<flow_layout::flow_idx>(entry.body())));
+                const uint64_t key = key_of(flow_idx_of(entry));
                 flow_hash_entry_t named = entries_[key].entry;
                 check(!never_comes(key) && entry.compare_key(&named));
                 staying += stays(key);
@@ -146,7 +140,7 @@ TEST_P(FlowThreads, TwoWritersAndTwoReaders) {
         threads.emplace_back([this, self] { write(self, 2, self); });
         threads.emplace_back([this, self] { read(100 + self); });
     }
-    std::this_thread::sleep_for(soak());
+    std::this_thread::sleep_for(soak(moment));
     stop_ = true;
     for (std::thread &thread : threads) thread.join();
     EXPECT_GT(calls_.load(), 1000u);
@@ -159,7 +153,7 @@ TEST_P(FlowThreads, AnIterationBesideTwoWriters) {
     for (unsigned self = 0; self < 2; ++self)
         threads.emplace_back([this, self] { write(self, 2, self); });
     threads.emplace_back([this] { look_over_all(); });
-    std::this_thread::sleep_for(soak());
+    std::this_thread::sleep_for(soak(moment));
     stop_ = true;
     for (std::thread &thread : threads) thread.join();
     expect_the_end_is_as_written();
@@ -172,7 +166,7 @@ TEST_P(FlowThreads, TwentyFourThreads) {
         threads.emplace_back([this, self] { write(self, 12, self); });
         threads.emplace_back([this, self] { read(100 + self); });
     }
-    std::this_thread::sleep_for(soak());
+    std::this_thread::sleep_for(soak(moment));
     stop_ = true;
     for (std::thread &thread : threads) thread.join();
     expect_the_end_is_as_written();
