@@ -337,7 +337,8 @@ void add_flows(CLI::App &app, const options &given) {
     found->add_to(command);
     command->callback([&given, found] { find(given, *found); });
 
-    command = flows->add_subcommand("delete", "Flows and their data");
+    command =
+        flows->add_subcommand("delete", "Flows, and their data when no other flow points at it");
     auto deleted = std::make_shared<flow_filter_options>();
     auto all = std::make_shared<bool>(false);
     deleted->add_to(command);

@@ -2,25 +2,19 @@
 
 // Flows of packets in the tables:
 //
-//     flow: the packets' key -> flow_idx --> flow_info[flow_idx]: time of the last packet, packets
-//                                            ipfix_ingress[flow_idx]: packets, bytes
+//     flow: the packets' key -> flow_idx --> its data, see flow_data.h
 //
 // flow_idx 0 is not handed out. The data stands in the tables before a key leads to it, and goes
-// after the key is gone.
+// after the last key that leads to it is gone.
 
 #include <cstdint>
 #include <functional>
 
+#include "tools/haldenctl/flow_data.h"
 #include "tools/haldenctl/table_calls.h"
 #include "tools/packets/flow_key.h"
 
 namespace halden::tool {
-
-struct flow_counts {
-    uint64_t packets = 0;
-    uint64_t bytes = 0;
-    uint32_t last_seen = 0;  // seconds since 1970
-};
 
 struct stored_flow {
     flow_swkey_t key = {};  // whole: a flow made by hand may have fields that no packet decides
@@ -41,17 +35,18 @@ class flow_store {
 
     // Makes the flow if it is not there, and adds to its counts.
     add_result add(const packets::flow &f, const flow_counts &counts);
-    // Takes it out with its data.
+    // Takes it out; its data as well, unless another flow points there.
     remove_result remove(const stored_flow &f);
     // Every flow, by buckets, until `see` answers false. `see` may not change the tables.
     void for_each(const std::function<bool(const stored_flow &)> &see);
 
   private:
     bool next_free_index(uint32_t &index);
-    flow_counts counts_at(uint32_t index);
+    uint32_t &uses_of(uint32_t index);
 
     opened_tables &tables_;
-    uint32_t searched_ = 1;  // no index below it is free
+    std::vector<uint32_t> uses_;  // by flow_idx; empty until it is asked for
+    uint32_t searched_ = 1;       // no index below it is free
 };
 
 }  // namespace halden::tool
