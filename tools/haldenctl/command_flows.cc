@@ -1,10 +1,7 @@
 // haldenctl flows: the flows of captures in the flow table.
 
-#include <arpa/inet.h>
-
 #include <algorithm>
 #include <iostream>
-#include <unordered_map>
 
 #include "host/engines/flow/ftl_access.h"
 #include "host/view/lookup.h"
@@ -13,7 +10,9 @@
 #include "tools/haldenctl/entry_file.h"
 #include "tools/haldenctl/failure.h"
 #include "tools/haldenctl/flow_filter.h"
+#include "tools/haldenctl/flow_import.h"
 #include "tools/haldenctl/flow_store.h"
+#include "tools/haldenctl/flow_words.h"
 #include "tools/haldenctl/screen.h"
 #include "tools/packets/capture.h"
 #include "tools/packets/traffic.h"
@@ -21,125 +20,6 @@
 namespace halden::tool {
 
 namespace {
-
-std::string counted(uint64_t n, const char *one, const char *many) {
-    return std::to_string(n) + " " + (n == 1 ? one : many);
-}
-
-// Flows that a command could not do, for the one line in which it says so.
-class named_flows {
-  public:
-    void add(const std::string &name) {
-        if (count_++ < most_named) names_ += (names_.empty() ? "" : ", ") + name;
-    }
-    size_t count() const { return count_; }
-    std::string text() const {
-        const size_t rest = count_ > most_named ? count_ - most_named : 0;
-        return names_ + (rest == 0 ? "" : " and " + std::to_string(rest) + " more");
-    }
-
-  private:
-    static constexpr size_t most_named = 8;
-    size_t count_ = 0;
-    std::string names_;
-};
-
-// --- import --------------------------------------------------------------------------------------
-
-struct flow_hasher {
-    size_t operator()(const packets::flow &f) const {
-        const flow_swkey_t key = packets::key_of(f);
-        return std::hash<std::string_view>{}({reinterpret_cast<const char *>(&key), sizeof key});
-    }
-};
-
-struct seen_packets {
-    std::unordered_map<packets::flow, flow_counts, flow_hasher> flows;
-    std::vector<const packets::flow *> in_order;  // of their first packets
-    std::array<uint64_t, packets::verdicts> verdicts = {};
-    uint64_t packets = 0, bytes = 0;
-    uint64_t first = ~uint64_t{0}, last = 0;  // microseconds
-    std::string cut_short;
-};
-
-seen_packets read_packets(const std::string &path) {
-    seen_packets out;
-    const auto result = packets::read_capture(path, [&](const packets::captured &packet) {
-        ++out.packets;
-        out.bytes += packet.wire_length;
-        out.first = std::min(out.first, packet.microseconds);
-        out.last = std::max(out.last, packet.microseconds);
-        packets::flow f;
-        const packets::verdict verdict = packets::dissect(packet.bytes, packet.kind, f);
-        ++out.verdicts[static_cast<size_t>(verdict)];
-        if (verdict != packets::verdict::flow_found) return;
-        const auto [at, fresh] = out.flows.try_emplace(f);
-        if (fresh) out.in_order.push_back(&at->first);
-        ++at->second.packets;
-        at->second.bytes += packet.wire_length;
-        at->second.last_seen =
-            std::max(at->second.last_seen, static_cast<uint32_t>(packet.microseconds / 1000000));
-    });
-    out.cut_short = result.cut_short;
-    return out;
-}
-
-void print_packets(const std::string &path, const seen_packets &seen) {
-    std::cout << path << ": " << counted(seen.packets, "packet", "packets") << ", "
-              << counted(seen.bytes, "byte", "bytes");
-    if (seen.packets > 1) {
-        const uint64_t tenths = (seen.last - seen.first) / 100000;
-        std::cout << ", " << tenths / 10 << "." << tenths % 10 << " s";
-    }
-    std::cout << "\n";
-    const auto found = static_cast<size_t>(packets::verdict::flow_found);
-    const uint64_t unread = seen.packets - seen.verdicts[found];
-    if (unread == 0) return;
-    std::cout << "  " << counted(unread, "packet", "packets") << " without a flow:\n";
-    for (size_t v = 0; v < seen.verdicts.size(); ++v)
-        if (v != found && seen.verdicts[v] != 0)
-            std::cout << "    " << seen.verdicts[v] << "  "
-                      << packets::name_of(static_cast<packets::verdict>(v)) << "\n";
-}
-
-void import(opened_tables &tables, const std::string &path) {
-    seen_packets seen;
-    try {
-        seen = read_packets(path);
-    } catch (const std::exception &error) {
-        throw failure(error.what());
-    }
-    print_packets(path, seen);
-    if (!seen.cut_short.empty())
-        std::cerr << "haldenctl: " << path << ": the rest cannot be read: " << seen.cut_short
-                  << "\n";
-
-    flow_store store(tables);
-    uint64_t added = 0, known = 0;
-    for (const packets::flow *f : seen.in_order) {
-        switch (store.add(*f, seen.flows[*f])) {
-            case add_result::added:
-                ++added;
-                continue;
-            case add_result::counted:
-                ++known;
-                continue;
-            case add_result::no_info_row:
-                throw failure("flow_info has no free row for " + packets::flow_text(*f) + "; " +
-                              counted(added + known, "flow", "flows") + " of " +
-                              std::to_string(seen.in_order.size()) + " imported");
-            case add_result::refused:
-                throw failure("the flow table refused " + packets::flow_text(*f) + "; " +
-                              counted(added + known, "flow", "flows") + " of " +
-                              std::to_string(seen.in_order.size()) +
-                              " imported; --log-level error says why");
-        }
-    }
-    std::cout << "  " << counted(seen.in_order.size(), "flow", "flows") << ": " << added << " new, "
-              << known << " known\n"
-              << sdk::table::ftl_access::count(*tables.tables().flow_tbl())
-              << " flows in the flow table of " << tables.adapter().name() << "\n";
-}
 
 // --- list, find, delete --------------------------------------------------------------------------
 
@@ -317,7 +197,7 @@ void add_flows(CLI::App &app, const options &given) {
     command->add_option("CAPTURE", *path, "Ethernet or raw IP")->required();
     command->callback([&given, path] {
         opened_tables tables(given);
-        import(tables, *path);
+        import_flows(tables, *path);
     });
 
     command = flows->add_subcommand("list", "Flows with their packets and bytes");

@@ -1,0 +1,122 @@
+#include "tools/haldenctl/flow_import.h"
+
+#include <algorithm>
+#include <iostream>
+#include <unordered_map>
+
+#include "host/engines/flow/ftl_access.h"
+#include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/flow_store.h"
+#include "tools/haldenctl/flow_words.h"
+#include "tools/packets/capture.h"
+
+namespace halden::tool {
+
+namespace {
+
+struct flow_hasher {
+    size_t operator()(const packets::flow &f) const {
+        const flow_swkey_t key = packets::key_of(f);
+        return std::hash<std::string_view>{}({reinterpret_cast<const char *>(&key), sizeof key});
+    }
+};
+
+struct seen_packets {
+    std::unordered_map<packets::flow, flow_counts, flow_hasher> flows;
+    std::vector<const packets::flow *> in_order;  // of their first packets
+    std::array<uint64_t, packets::verdicts> verdicts = {};
+    uint64_t packets = 0, bytes = 0;
+    uint64_t first = ~uint64_t{0}, last = 0;  // microseconds
+    std::string cut_short;
+};
+
+seen_packets read_packets(const std::string &path) {
+    seen_packets out;
+    const auto result = packets::read_capture(path, [&](const packets::captured &packet) {
+        ++out.packets;
+        out.bytes += packet.wire_length;
+        out.first = std::min(out.first, packet.microseconds);
+        out.last = std::max(out.last, packet.microseconds);
+        packets::flow f;
+        const packets::verdict verdict = packets::dissect(packet.bytes, packet.kind, f);
+        ++out.verdicts[static_cast<size_t>(verdict)];
+        if (verdict != packets::verdict::flow_found) return;
+        const auto [at, fresh] = out.flows.try_emplace(f);
+        if (fresh) out.in_order.push_back(&at->first);
+        ++at->second.packets;
+        at->second.bytes += packet.wire_length;
+        at->second.last_seen =
+            std::max(at->second.last_seen, static_cast<uint32_t>(packet.microseconds / 1000000));
+    });
+    out.cut_short = result.cut_short;
+    return out;
+}
+
+void print_packets(const std::string &path, const seen_packets &seen) {
+    std::cout << path << ": " << counted(seen.packets, "packet", "packets") << ", "
+              << counted(seen.bytes, "byte", "bytes");
+    if (seen.packets > 1) {
+        const uint64_t tenths = (seen.last - seen.first) / 100000;
+        std::cout << ", " << tenths / 10 << "." << tenths % 10 << " s";
+    }
+    std::cout << "\n";
+    const auto found = static_cast<size_t>(packets::verdict::flow_found);
+    const uint64_t unread = seen.packets - seen.verdicts[found];
+    if (unread == 0) return;
+    std::cout << "  " << counted(unread, "packet", "packets") << " without a flow:\n";
+    for (size_t v = 0; v < seen.verdicts.size(); ++v)
+        if (v != found && seen.verdicts[v] != 0)
+            std::cout << "    " << seen.verdicts[v] << "  "
+                      << packets::name_of(static_cast<packets::verdict>(v)) << "\n";
+}
+
+}  // namespace
+
+void import_flows(opened_tables &tables, const std::string &path) {
+    seen_packets seen;
+    try {
+        seen = read_packets(path);
+    } catch (const std::exception &error) {
+        throw failure(error.what());
+    }
+    print_packets(path, seen);
+    if (!seen.cut_short.empty())
+        std::cerr << "haldenctl: " << path << ": the rest cannot be read: " << seen.cut_short
+                  << "\n";
+
+    flow_store store(tables);
+    uint64_t added = 0, known = 0;
+    named_flows refused, without_row;
+    for (const packets::flow *f : seen.in_order) {
+        switch (store.add(*f, seen.flows[*f])) {
+            case add_result::added:
+                ++added;
+                break;
+            case add_result::counted:
+                ++known;
+                break;
+            case add_result::no_info_row:
+                without_row.add(packets::flow_text(*f));
+                break;
+            case add_result::refused:
+                refused.add(packets::flow_text(*f));
+                break;
+        }
+    }
+    const uint64_t left = refused.count() + without_row.count();
+    std::cout << "  " << counted(seen.in_order.size(), "flow", "flows") << ": " << added << " new, "
+              << known << " known" << (left == 0 ? "" : ", " + std::to_string(left) + " refused")
+              << "\n"
+              << sdk::table::ftl_access::count(*tables.tables().flow_tbl())
+              << " flows in the flow table of " << tables.adapter().name() << "\n";
+    std::string why;
+    if (refused.count() != 0)
+        why = "the tables refused " + counted(refused.count(), "flow", "flows") + ": " +
+              refused.text() + "; --log-level error says why";
+    if (without_row.count() != 0)
+        why += (why.empty() ? "" : "; ") + std::string("flow_info has no free row for ") +
+               counted(without_row.count(), "flow", "flows") + ": " + without_row.text();
+    if (!why.empty()) throw failure(path + ": " + why);
+}
+
+}  // namespace halden::tool
