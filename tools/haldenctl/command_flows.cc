@@ -114,14 +114,20 @@ void remove(const options &given, const flow_filter_options &wanted, bool all) {
     opened_tables tables(given);
     flow_store store(tables);
     const std::vector<stored_flow> flows = matching(store, filter);
-    if (flows.empty()) throw failure("no flow matches; `haldenctl flows list` shows them");
+    const uint32_t left_over = all ? store.remove_left_over() : 0;
+    if (flows.empty() && left_over == 0)
+        throw failure("no flow matches; `haldenctl flows list` shows them");
     named_flows refused, data_left;
     for (const stored_flow &f : flows) {
         const remove_result result = store.remove(f);
         if (result == remove_result::refused) refused.add(packets::key_text(f.key));
         if (result == remove_result::data_left) data_left.add(packets::key_text(f.key));
     }
-    std::cout << counted(flows.size() - refused.count(), "flow", "flows") << " deleted\n";
+    std::cout << counted(flows.size() - refused.count(), "flow", "flows") << " deleted";
+    if (left_over != 0)
+        std::cout << ", " << counted(left_over, "row", "rows") << " of flow_info that "
+                  << (left_over == 1 ? "was" : "were") << " left over emptied";
+    std::cout << "\n";
     std::string left;
     if (refused.count() != 0)
         left = "the flow table refused to delete " + counted(refused.count(), "flow", "flows") +
@@ -151,6 +157,11 @@ void stats(opened_tables &tables) {
     std::cout << counted(s.flows(), "flow", "flows") << "\n";
     line("  main table  ", s.main_used, s.main_depth);
     line("  overflow    ", s.overflow_used, s.overflow_depth);
+    if (const uint32_t rows = flow_store(tables).count_left_over(); rows != 0)
+        std::cout << "  " << counted(rows, "row", "rows")
+                  << " of flow_info left over, to which no flow leads; the next import or "
+                     "`haldenctl flows delete --all` takes "
+                  << (rows == 1 ? "it" : "them") << "\n";
     if (s.flows() == 0) return;
     std::cout << "\nrows in front of a flow on its way from its hash\n";
     const uint32_t most = *std::max_element(s.path_lengths.begin(), s.path_lengths.end());
@@ -222,7 +233,9 @@ void add_flows(CLI::App &app, const options &given) {
     auto deleted = std::make_shared<flow_filter_options>();
     auto all = std::make_shared<bool>(false);
     deleted->add_to(command);
-    command->add_flag("--all", *all, "Every flow");
+    command->add_flag("--all", *all,
+                      "Every flow, and what a killed import or delete left in flow_info: rows to "
+                      "which no flow leads and in which nothing but counts stands");
     command->callback([&given, deleted, all] { remove(given, *deleted, *all); });
 
     command = flows->add_subcommand("stats", "Load, and how far flows are from their hash");

@@ -1,6 +1,7 @@
 #include "tools/haldenctl/flow_data.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "p4pd.h"
 #include "tools/haldenctl/adapter_view.h"
@@ -73,6 +74,18 @@ flow_counts flow_data::counts() const {
     if (info.ipfix_ingress_vld != 0 && exported_)
         out.bytes = number(exported_->action_u.ipfix.bcnt);
     return out;
+}
+
+bool flow_data::is_of_import() const {
+    if (!info_ || number(info_->action_u.flow_info_a.count) == 0) return false;
+    tev_tbl_flow_info_spec_t made = {};
+    made.key.index = index_;
+    made.action_u.flow_info_a.ipfix_ingress_vld = 1;
+    made.action_u.flow_info_a.ipfix_ingress_idx = index_;
+    made.action_u.flow_info_a.timestamp = info_->action_u.flow_info_a.timestamp;
+    add_number(made.action_u.flow_info_a.count, number(info_->action_u.flow_info_a.count));
+    return std::memcmp(&made, &*info_, sizeof made) == 0 &&
+           (!exported_ || exported_->action_u.ipfix.tcp_flags == 0);
 }
 
 bool flow_data::add(const flow_counts &counts) const {

@@ -32,6 +32,9 @@ class flow_data {
     flow_data(host::adapter &adapter, uint32_t index);
 
     flow_counts counts() const;
+    // The rows hold what an import writes and nothing else: counts, and the way from one to the
+    // other.
+    bool is_of_import() const;
 
     // These go through the table API. False when it refuses.
     //

@@ -24,14 +24,40 @@ uint32_t &flow_store::uses_of(uint32_t index) {
     return uses_[index];
 }
 
+bool flow_store::is_left_over(uint32_t index) {
+    return uses_of(index) == 0 && flow_data(*tables_, index).is_of_import();
+}
+
 bool flow_store::next_free_index(uint32_t &index) {
     const uint32_t rows = (*tables_).depth(flow_info_table);
     const auto used = [&](uint32_t table) {
         return (*tables_).next_used(table, searched_) == searched_;
     };
-    while (searched_ < rows && (used(flow_info_table) || used(ipfix_ingress_table))) ++searched_;
-    index = searched_;
-    return searched_ < rows;
+    for (; searched_ < rows; ++searched_) {
+        index = searched_;
+        if (!used(flow_info_table) && !used(ipfix_ingress_table)) return true;
+        if (is_left_over(index) && flow_data(*tables_, index).remove()) return true;
+    }
+    return false;
+}
+
+void flow_store::for_each_left_over(const std::function<void(uint32_t index)> &see) {
+    const uint32_t rows = (*tables_).depth(flow_info_table);
+    for (uint32_t row = (*tables_).next_used(flow_info_table, 1); row < rows;
+         row = (*tables_).next_used(flow_info_table, row + 1))
+        if (is_left_over(row)) see(row);
+}
+
+uint32_t flow_store::count_left_over() {
+    uint32_t rows = 0;
+    for_each_left_over([&](uint32_t) { ++rows; });
+    return rows;
+}
+
+uint32_t flow_store::remove_left_over() {
+    uint32_t rows = 0;
+    for_each_left_over([&](uint32_t index) { rows += flow_data(*tables_, index).remove(); });
+    return rows;
 }
 
 add_result flow_store::add(const packets::flow &f, const flow_counts &counts) {

@@ -5,7 +5,9 @@
 //     flow: the packets' key -> flow_idx --> its data, see flow_data.h
 //
 // flow_idx 0 is not handed out. The data stands in the tables before a key leads to it, and goes
-// after the last key that leads to it is gone.
+// after the last key that leads to it is gone. So an import or a delete that is killed leaves rows
+// behind to which no key leads; they are known by holding what an import writes and nothing else,
+// and count as free. Rows with anything else in them are somebody's and are left alone.
 
 #include <cstdint>
 #include <functional>
@@ -37,11 +39,17 @@ class flow_store {
     add_result add(const packets::flow &f, const flow_counts &counts);
     // Takes it out; its data as well, unless another flow points there.
     remove_result remove(const stored_flow &f);
+    // Data rows that no flow points at and that an import or a delete left behind.
+    uint32_t count_left_over();
+    // Empties them; the number of those that could be.
+    uint32_t remove_left_over();
     // Every flow, by buckets, until `see` answers false. `see` may not change the tables.
     void for_each(const std::function<bool(const stored_flow &)> &see);
 
   private:
     bool next_free_index(uint32_t &index);
+    bool is_left_over(uint32_t index);
+    void for_each_left_over(const std::function<void(uint32_t index)> &see);
     uint32_t &uses_of(uint32_t index);
 
     opened_tables &tables_;
