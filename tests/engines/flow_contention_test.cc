@@ -117,7 +117,7 @@ class FlowContention : public testing::TestWithParam<host::adapter_options> {
 
     void expect_balance() {
         EXPECT_EQ(wrong_.load(), 0u);
-        EXPECT_GT(calls_.load(), 300u);
+        EXPECT_GT(calls_.load(), 20u);
         for (uint64_t key = 0; key < keys; ++key) {
             uint32_t flow_idx = 0;
             const bool there = bed_.get(key, &flow_idx) == SDK_RET_OK;
