@@ -349,6 +349,8 @@ TEST_F(MadeByTheLibrary, TableSlots3To5AreTheHosts) {
     EXPECT_EQ(calls[2].arguments[0].pointer, table_);
 }
 
+#if !HALDEN_SANITIZED  // a sanitizer pads the tables
+
 // A virtual table has two words in front of its slots.
 size_t slots_in(const char *name) {
     const void *found = dlsym(RTLD_DEFAULT, name);
@@ -365,5 +367,7 @@ TEST_F(MadeByTheLibrary, NoSlotIsBehindTheLast) {
     EXPECT_EQ(slots_in("_ZTV18base_table_entry_t"), 22u);
     EXPECT_EQ(slots_in("_ZTVN3sdk5table9flow_hashE"), 5u);
 }
+
+#endif
 
 }  // namespace
