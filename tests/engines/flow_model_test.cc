@@ -126,7 +126,7 @@ TEST_P(FlowModel, EveryFlowIsFoundAtEveryStore) {
     watch_every_store();
     for (unsigned i = 0; i < shape_.operations; ++i) {
         SCOPED_TRACE("operation " + std::to_string(i));
-        filling_ = i / 500 % 2 == 0;
+        filling_ = i / (shape_.operations / 6) % 2 == 0;
         step();
         if (HasFatalFailure()) return;
         ASSERT_EQ(wrong_, 0u);
@@ -172,11 +172,11 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     VirtualOperations, FlowModel,
     testing::Combine(
-        testing::Values(shape{"SpreadOverSixtyFourRows", {64, 32}, 0, 80, 1500},
-                        shape{"ManyHintHashesInOneRow", {1, 64}, 0, 50, 1100},
-                        shape{"FourHintHashesInOneRow", {1, 64}, 0x3fc, 40, 1100},
-                        shape{"HintsAcrossTwoWords", {1, 2097152}, 0, 40, 500, 0x155551},
-                        shape{"OverflowOfOneRow", {8, 2}, 0, 20, 1100}),
+        testing::Values(shape{"SpreadOverSixtyFourRows", {64, 32}, 0, 80, 900},
+                        shape{"ManyHintHashesInOneRow", {1, 64}, 0, 50, 600},
+                        shape{"FourHintHashesInOneRow", {1, 64}, 0x3fc, 40, 700},
+                        shape{"HintsAcrossTwoWords", {1, 2097152}, 0, 40, 300, 0x155551},
+                        shape{"OverflowOfOneRow", {8, 2}, 0, 20, 900}),
         testing::Values(classes{"AllDerived", true, true}, classes{"DerivedScratch", true, false},
                         classes{"DerivedCallers", false, true})),
     name_of_tested);
