@@ -23,16 +23,19 @@ namespace {
 
 // --- list, find, delete --------------------------------------------------------------------------
 
-std::vector<stored_flow> matching(flow_store &store, const flow_filter &filter) {
-    std::vector<stored_flow> out;
-    store.for_each([&](const stored_flow &f) {
-        if (filter.matches(f.flow)) out.push_back(f);
-        return true;
+struct listed_flow : stored_flow {
+    uint32_t path = 0;  // rows in front of it in its bucket
+};
+
+std::vector<listed_flow> matching(flow_store &store, const flow_filter &filter) {
+    std::vector<listed_flow> out;
+    store.for_each([&](const stored_flow &f, uint32_t path) {
+        if (filter.matches(f.flow)) out.push_back({f, path});
     });
     return out;
 }
 
-json json_of(const stored_flow &f) {
+json json_of(const listed_flow &f) {
     return {{"flow", packets::key_text(f.key)},
             {"flow_idx", f.index},
             {"packets", f.counts.packets},
@@ -54,7 +57,7 @@ void list(const options &given, const list_options &wanted) {
     const flow_filter filter = wanted.filter.parsed();
     opened_tables tables(given);
     flow_store store(tables);
-    std::vector<stored_flow> flows = matching(store, filter);
+    std::vector<listed_flow> flows = matching(store, filter);
     const auto amount = [&](const stored_flow &f) {
         return wanted.by == "packets" ? f.counts.packets : f.counts.bytes;
     };
@@ -66,7 +69,7 @@ void list(const options &given, const list_options &wanted) {
     if (wanted.top != 0 && flows.size() > wanted.top) flows.resize(wanted.top);
     if (wanted.as_json) {
         json out = json::array();
-        for (const stored_flow &f : flows) out.push_back(json_of(f));
+        for (const listed_flow &f : flows) out.push_back(json_of(f));
         std::cout << out.dump(2) << "\n";
         return;
     }
@@ -82,28 +85,26 @@ void list(const options &given, const list_options &wanted) {
 // The one flow with these very addresses and ports, by its packet's key.
 void find(const options &given, const flow_filter_options &filter) {
     const packets::flow wanted = filter.parsed().whole_flow();
-    opened_tables tables(given);
-    const flow_swkey_t key = packets::key_of(wanted);
+    flow_swkey_t key = packets::key_of(wanted);
+    const opened_adapter adapter(given);
     uint8_t image[pipeline::wide_key_image_bytes] = {};
-    flow_swkey_t copy = key;
-    p4pd_hwkey_hwmask_build(host::flow_table, &copy, nullptr, image, nullptr);
-    const auto hit = host::view::lookup(*tables, host::flow_table, image);
-    if (!hit.hit)
+    p4pd_hwkey_hwmask_build(host::flow_table, &key, nullptr, image, nullptr);
+    const auto hit = host::view::lookup(*adapter, host::flow_table, image);
+    const auto f = hit.hit ? flow_at(*adapter, hit.table, hit.row) : std::nullopt;
+    if (!f)
         throw failure("no flow " + packets::flow_text(wanted) +
                       "; the VLAN and the VNI are part of a flow: --vlan, --vni");
-    flow_store store(tables);
-    store.for_each([&](const stored_flow &f) {
-        if (f.table != hit.table || f.row != hit.row) return true;
-        std::cout << packets::key_text(f.key) << "\n  flow_idx " << f.index << ", "
-                  << counted(f.counts.packets, "packet", "packets") << ", "
-                  << counted(f.counts.bytes, "byte", "bytes") << "\n  "
-                  << pipeline::find_table(f.table)->name << " "
-                  << place_of(*pipeline::find_table(f.table), f.row) << ", "
-                  << (f.path == 0 ? "where its hash leads"
-                                  : "reached over " + counted(f.path, "other row", "other rows"))
-                  << "\n";
-        return false;
-    });
+    const pipeline::table &main = *pipeline::find_table(host::flow_table);
+    const pipeline::table &table = *pipeline::find_table(hit.table);
+    std::cout << packets::key_text(f->key) << "\n  flow_idx " << f->index << ", "
+              << counted(f->counts.packets, "packet", "packets") << ", "
+              << counted(f->counts.bytes, "byte", "bytes") << "\n  " << table.name << " "
+              << place_of(table, hit.row) << ", "
+              << (hit.table == host::flow_table
+                      ? "where its hash leads"
+                      : "chained behind " + std::string(main.name) + " " +
+                            place_of(main, hit.hashed_row) + ", where its hash leads")
+              << "\n";
 }
 
 void remove(const options &given, const flow_filter_options &wanted, bool all) {
@@ -113,7 +114,7 @@ void remove(const options &given, const flow_filter_options &wanted, bool all) {
                                                        : "a filter or --all is required");
     opened_tables tables(given);
     flow_store store(tables);
-    const std::vector<stored_flow> flows = matching(store, filter);
+    const std::vector<listed_flow> flows = matching(store, filter);
     const uint32_t left_over = all ? store.remove_left_over() : 0;
     if (flows.empty() && left_over == 0)
         throw failure("no flow matches; `haldenctl flows list` shows them");

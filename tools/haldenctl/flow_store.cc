@@ -89,21 +89,24 @@ remove_result flow_store::remove(const stored_flow &f) {
                                                  : remove_result::data_left;
 }
 
-void flow_store::for_each(const std::function<bool(const stored_flow &)> &see) {
+void flow_store::for_each(const std::function<void(const stored_flow &, uint32_t path)> &see) {
     ftl_access::for_each(*tables_.tables().flow_tbl(), [&](const ftl_access::stored_flow &entry) {
-        const pipeline::table &t = *pipeline::find_table(entry.table);
-        auto read = read_back(*tables_, t, entry.row);
-        if (!read) return true;
-        stored_flow out;
-        std::memcpy(&out.key, read->key.data(), sizeof out.key);
-        out.flow = packets::flow_of(out.key);
-        out.index = static_cast<uint32_t>(read->data_value(0));
-        out.table = entry.table;
-        out.row = entry.row;
-        out.path = entry.path;
-        out.counts = flow_data(*tables_, out.index).counts();
-        return see(out);
+        if (const auto f = flow_at(*tables_, entry.table, entry.row)) see(*f, entry.path);
+        return true;
     });
+}
+
+std::optional<stored_flow> flow_at(host::adapter &adapter, uint32_t table, uint32_t row) {
+    const auto read = read_back(adapter, *pipeline::find_table(table), row);
+    if (!read) return std::nullopt;
+    stored_flow out;
+    std::memcpy(&out.key, read->key.data(), sizeof out.key);
+    out.flow = packets::flow_of(out.key);
+    out.index = static_cast<uint32_t>(read->data_value(0));
+    out.table = table;
+    out.row = row;
+    out.counts = flow_data(adapter, out.index).counts();
+    return out;
 }
 
 }  // namespace halden::tool

@@ -24,9 +24,11 @@ struct stored_flow {
     uint32_t index = 0;     // flow_idx
     uint32_t table = 0;     // flow or flow_ohash
     uint32_t row = 0;
-    uint32_t path = 0;  // rows in front of it in its bucket
     flow_counts counts;
 };
+
+// The flow of one row; nothing when the row is empty. The table engines are not needed for it.
+std::optional<stored_flow> flow_at(host::adapter &adapter, uint32_t table, uint32_t row);
 
 enum class remove_result : uint8_t { removed, refused, data_left };
 enum class add_result : uint8_t { added, counted, no_info_row, refused };
@@ -43,8 +45,9 @@ class flow_store {
     uint32_t count_left_over();
     // Empties them; the number of those that could be.
     uint32_t remove_left_over();
-    // Every flow, by buckets, until `see` answers false. `see` may not change the tables.
-    void for_each(const std::function<bool(const stored_flow &)> &see);
+    // Every flow, by buckets. `path` is the number of rows in front of it in its bucket. `see` may
+    // not change the tables.
+    void for_each(const std::function<void(const stored_flow &, uint32_t path)> &see);
 
   private:
     bool next_free_index(uint32_t &index);
