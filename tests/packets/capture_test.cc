@@ -112,9 +112,9 @@ TEST_F(Capture, TrafficReadsBackAsFlowsInBothDirections) {
     bool seen_vlan = false, seen_vni = false, seen_v6 = false;
     uint64_t last = 0;
     const auto result = read_capture(path("traffic.pcap"), [&](const captured &p) {
-        flow f;
-        const verdict v = dissect(p.bytes, p.kind, f);
+        const auto [v, f, type] = dissect(p.bytes, p.kind);
         ++seen[v];
+        EXPECT_EQ(type, v == verdict::not_ip ? 0x0806 : 0) << "only ARP";
         EXPECT_GE(p.microseconds, last);
         last = p.microseconds;
         if (v != verdict::flow_found) return;

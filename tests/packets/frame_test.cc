@@ -63,9 +63,9 @@ TEST(Frame, TunnelsHoldAWholeInnerFrame) {
         EXPECT_THAT(part(made, 36, 2), ElementsAre(vxlan ? 0x12 : 0x17, vxlan ? 0xb5 : 0xc1));
         EXPECT_THAT(part(made, 42, 8), vxlan ? ElementsAre(8, 0, 0, 0, 0xab, 0xcd, 0xef, 0)
                                              : ElementsAre(0, 0, 0x65, 0x58, 0xab, 0xcd, 0xef, 0));
-        flow found;
-        ASSERT_EQ(dissect(made, link_type::ethernet, found), verdict::flow_found);
-        EXPECT_EQ(flow_text(found), "icmp 10.0.0.1 -> 10.0.0.2 vlan 7 vni 11259375");
-        EXPECT_EQ(found.source_port, 0x77);
+        const dissected found = dissect(made, link_type::ethernet);
+        ASSERT_EQ(found.v, verdict::flow_found);
+        EXPECT_EQ(flow_text(found.f), "icmp 10.0.0.1 -> 10.0.0.2 vlan 7 vni 11259375");
+        EXPECT_EQ(found.f.source_port, 0x77);
     }
 }

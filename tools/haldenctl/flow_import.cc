@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <iostream>
+#include <map>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "host/engines/flow/ftl_access.h"
 #include "tools/haldenctl/failure.h"
@@ -24,7 +27,8 @@ struct flow_hasher {
 struct seen_packets {
     std::unordered_map<packets::flow, flow_counts, flow_hasher> flows;
     std::vector<const packets::flow *> in_order;  // of their first packets
-    std::array<uint64_t, packets::verdicts> verdicts = {};
+    // Packets without a flow, by why they have none and the type of what is no IP.
+    std::map<std::pair<packets::verdict, uint16_t>, uint64_t> unread;
     uint64_t packets = 0, bytes = 0;
     uint64_t first = ~uint64_t{0}, last = 0;  // microseconds
     std::string cut_short;
@@ -37,11 +41,12 @@ seen_packets read_packets(const std::string &path) {
         out.bytes += packet.wire_length;
         out.first = std::min(out.first, packet.microseconds);
         out.last = std::max(out.last, packet.microseconds);
-        packets::flow f;
-        const packets::verdict verdict = packets::dissect(packet.bytes, packet.kind, f);
-        ++out.verdicts[static_cast<size_t>(verdict)];
-        if (verdict != packets::verdict::flow_found) return;
-        const auto [at, fresh] = out.flows.try_emplace(f);
+        const packets::dissected found = packets::dissect(packet.bytes, packet.kind);
+        if (found.v != packets::verdict::flow_found) {
+            ++out.unread[{found.v, found.type}];
+            return;
+        }
+        const auto [at, fresh] = out.flows.try_emplace(found.f);
         if (fresh) out.in_order.push_back(&at->first);
         ++at->second.packets;
         at->second.bytes += packet.wire_length;
@@ -52,6 +57,29 @@ seen_packets read_packets(const std::string &path) {
     return out;
 }
 
+void print_unread(const seen_packets &seen) {
+    constexpr size_t most_lines = 16;
+    if (seen.unread.empty()) return;
+    using line = std::pair<uint64_t, std::string>;
+    std::vector<line> lines;
+    uint64_t all = 0;
+    for (const auto &[why, count] : seen.unread) {
+        lines.emplace_back(count, packets::name_of(why.first, why.second));
+        all += count;
+    }
+    std::stable_sort(lines.begin(), lines.end(),
+                     [](const line &a, const line &b) { return a.first > b.first; });
+    uint64_t shown = 0;
+    std::cout << "  " << counted(all, "packet", "packets") << " without a flow:\n";
+    for (size_t i = 0; i < lines.size() && i < most_lines; ++i) {
+        std::cout << "    " << lines[i].first << "  " << lines[i].second << "\n";
+        shown += lines[i].first;
+    }
+    if (shown != all)
+        std::cout << "    " << all - shown << "  of " << lines.size() - most_lines
+                  << " other kinds\n";
+}
+
 void print_packets(const std::string &path, const seen_packets &seen) {
     std::cout << path << ": " << counted(seen.packets, "packet", "packets") << ", "
               << counted(seen.bytes, "byte", "bytes");
@@ -60,14 +88,7 @@ void print_packets(const std::string &path, const seen_packets &seen) {
         std::cout << ", " << tenths / 10 << "." << tenths % 10 << " s";
     }
     std::cout << "\n";
-    const auto found = static_cast<size_t>(packets::verdict::flow_found);
-    const uint64_t unread = seen.packets - seen.verdicts[found];
-    if (unread == 0) return;
-    std::cout << "  " << counted(unread, "packet", "packets") << " without a flow:\n";
-    for (size_t v = 0; v < seen.verdicts.size(); ++v)
-        if (v != found && seen.verdicts[v] != 0)
-            std::cout << "    " << seen.verdicts[v] << "  "
-                      << packets::name_of(static_cast<packets::verdict>(v)) << "\n";
+    print_unread(seen);
 }
 
 }  // namespace
@@ -107,8 +128,9 @@ void import_flows(opened_tables &tables, const std::string &path) {
     std::cout << "  " << counted(seen.in_order.size(), "flow", "flows") << ": " << added << " new, "
               << known << " known" << (left == 0 ? "" : ", " + std::to_string(left) + " refused")
               << "\n"
-              << sdk::table::ftl_access::count(*tables.tables().flow_tbl())
-              << " flows in the flow table of " << tables.adapter().name() << "\n";
+              << counted(sdk::table::ftl_access::count(*tables.tables().flow_tbl()), "flow",
+                         "flows")
+              << " in the flow table of " << tables.adapter().name() << "\n";
     std::string why;
     if (refused.count() != 0)
         why = "the tables refused " + counted(refused.count(), "flow", "flows") + ": " +

@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 
 #include <algorithm>
+#include <cstdio>
 
 #include "tools/packets/protocols.h"
 
@@ -15,51 +16,70 @@ uint16_t word(bytes b, size_t at) { return static_cast<uint16_t>(b[at] << 8 | b[
 
 constexpr unsigned deepest_tunnel = 4;
 constexpr unsigned most_extension_headers = 8;
+constexpr size_t udp_header = 8;
+constexpr uint8_t vxlan_vni_is_valid = 0x08;
 
-verdict read_ethernet(bytes packet, flow &out, unsigned depth);
+verdict read_ethernet(bytes packet, dissected &out, unsigned depth);
 
-verdict read_ip(bytes packet, flow &out, unsigned depth);
+verdict read_ip(bytes packet, uint16_t type, dissected &out, unsigned depth);
 
-// Behind VXLAN's or Geneve's header. `type` is what follows.
-verdict read_inner(bytes packet, uint16_t type, uint32_t vni, flow &out, unsigned depth) {
-    if (depth == deepest_tunnel) return verdict::nested_too_deep;
-    out = flow{};
-    out.vni = vni;
-    return type == ethertype_bridged_ethernet ? read_ethernet(packet, out, depth + 1)
-                                              : read_ip(packet, out, depth + 1);
+// What is below the lowest type is a length of IEEE 802.3.
+uint16_t type_or_none(uint16_t type) {
+    constexpr uint16_t lowest = 0x600;
+    return type < lowest ? uint16_t{0} : type;
 }
 
-verdict read_tunnel(bytes packet, uint16_t port, flow &out, unsigned depth) {
+bool is_ip(uint16_t type) { return type == ethertype_ipv4 || type == ethertype_ipv6; }
+
+// Behind VXLAN's or Geneve's header. `type` is what follows.
+verdict read_inner(bytes packet, uint16_t type, uint32_t vni, dissected &out, unsigned depth) {
+    if (depth == deepest_tunnel) return verdict::nested_too_deep;
+    out.f = flow{};
+    out.f.vni = vni;
+    if (type == ethertype_bridged_ethernet) return read_ethernet(packet, out, depth + 1);
+    if (is_ip(type)) return read_ip(packet, type, out, depth + 1);
+    out.type = type_or_none(type);
+    return verdict::not_ip_in_tunnel;
+}
+
+verdict read_tunnel(bytes packet, uint16_t port, dissected &out, unsigned depth) {
     constexpr size_t header = 8;  // of both tunnels, without Geneve's options
     if (packet.size() < header) return verdict::truncated_tunnel;
     const auto vni = static_cast<uint32_t>(packet[4] << 16 | packet[5] << 8 | packet[6]);
-    if (port == port_vxlan)
+    if (port == port_vxlan) {
+        if ((packet[0] & vxlan_vni_is_valid) == 0) return verdict::bad_tunnel_header;
         return read_inner(packet.subspan(header), ethertype_bridged_ethernet, vni, out, depth);
+    }
+    const unsigned version = packet[0] >> 6;
+    if (version != 0) return verdict::bad_tunnel_header;
     const size_t with_options = header + 4u * (packet[0] & 0x3f);
     if (packet.size() < with_options) return verdict::truncated_tunnel;
     return read_inner(packet.subspan(with_options), word(packet, 2), vni, out, depth);
 }
 
-verdict read_transport(bytes packet, flow &out, unsigned depth) {
-    switch (out.protocol) {
+verdict read_transport(bytes packet, dissected &out, unsigned depth) {
+    flow &f = out.f;
+    switch (f.protocol) {
         case protocol_tcp:
         case protocol_udp:
-            if (packet.size() < (out.protocol == protocol_tcp ? 20u : 8u))
-                return verdict::truncated_transport;
-            out.source_port = word(packet, 0);
-            out.destination_port = word(packet, 2);
-            if (out.protocol == protocol_udp &&
-                (out.destination_port == port_vxlan || out.destination_port == port_geneve))
-                return read_tunnel(packet.subspan(8), out.destination_port, out, depth);
+            if (packet.size() < 4) return verdict::truncated_transport;
+            f.source_port = word(packet, 0);
+            f.destination_port = word(packet, 2);
+            if (f.protocol == protocol_udp &&
+                (f.destination_port == port_vxlan || f.destination_port == port_geneve)) {
+                if (packet.size() < udp_header) return verdict::truncated_transport;
+                return read_tunnel(packet.subspan(udp_header), f.destination_port, out, depth);
+            }
             return verdict::flow_found;
         case protocol_icmp:
         case protocol_icmp6: {
-            if (packet.size() < 8) return verdict::truncated_transport;
+            if (packet.size() < 2) return verdict::truncated_transport;
             const uint8_t type = packet[0];
             const bool echo =
-                out.protocol == protocol_icmp ? type == 8 || type == 0 : type == 128 || type == 129;
-            out.source_port = echo ? word(packet, 4) : uint16_t{0};
-            out.destination_port = word(packet, 0);
+                f.protocol == protocol_icmp ? type == 8 || type == 0 : type == 128 || type == 129;
+            if (echo && packet.size() < 6) return verdict::truncated_transport;
+            f.source_port = echo ? word(packet, 4) : uint16_t{0};
+            f.destination_port = word(packet, 0);
             return verdict::flow_found;
         }
         default:
@@ -67,16 +87,16 @@ verdict read_transport(bytes packet, flow &out, unsigned depth) {
     }
 }
 
-verdict read_ipv4(bytes packet, flow &out, unsigned depth) {
+verdict read_ipv4(bytes packet, dissected &out, unsigned depth) {
     if (packet.size() < 20) return verdict::truncated_ipv4;
     const size_t header = 4u * (packet[0] & 0x0f);
     const size_t total = word(packet, 2);
     if (header < 20 || (total != 0 && total < header)) return verdict::bad_ipv4_header;
     if (packet.size() < header) return verdict::truncated_ipv4;
-    out.version = ip_version::v4;
-    out.protocol = packet[9];
-    std::copy_n(packet.begin() + 12, 4, out.source.begin());
-    std::copy_n(packet.begin() + 16, 4, out.destination.begin());
+    out.f.version = ip_version::v4;
+    out.f.protocol = packet[9];
+    std::copy_n(packet.begin() + 12, 4, out.f.source.begin());
+    std::copy_n(packet.begin() + 16, 4, out.f.destination.begin());
     const bool later_fragment = (word(packet, 6) & 0x1fff) != 0;
     if (later_fragment) return verdict::flow_found;
     // A total length of 0 is what segmentation offload leaves in a capture. Ethernet's padding is
@@ -85,11 +105,11 @@ verdict read_ipv4(bytes packet, flow &out, unsigned depth) {
     return read_transport(packet.first(end).subspan(header), out, depth);
 }
 
-verdict read_ipv6(bytes packet, flow &out, unsigned depth) {
+verdict read_ipv6(bytes packet, dissected &out, unsigned depth) {
     if (packet.size() < 40) return verdict::truncated_ipv6;
-    out.version = ip_version::v6;
-    std::copy_n(packet.begin() + 8, 16, out.source.begin());
-    std::copy_n(packet.begin() + 24, 16, out.destination.begin());
+    out.f.version = ip_version::v6;
+    std::copy_n(packet.begin() + 8, 16, out.f.source.begin());
+    std::copy_n(packet.begin() + 24, 16, out.f.destination.begin());
     uint8_t next = packet[6];
     const size_t payload = word(packet, 4);
     bytes rest = packet.subspan(40);
@@ -106,43 +126,65 @@ verdict read_ipv6(bytes packet, flow &out, unsigned depth) {
         next = rest[0];
         rest = rest.subspan(header);
         if (later_fragment) {
-            out.protocol = next;
+            out.f.protocol = next;
             return verdict::flow_found;
         }
     }
-    out.protocol = next;
+    out.f.protocol = next;
     return read_transport(rest, out, depth);
 }
 
-verdict read_ip(bytes packet, flow &out, unsigned depth) {
-    if (packet.empty()) return verdict::truncated_ipv4;
+// Under an Ethertype; 0 where nothing but the packet says its version.
+verdict read_ip(bytes packet, uint16_t type, dissected &out, unsigned depth) {
+    if (packet.empty())
+        return type == ethertype_ipv6 ? verdict::truncated_ipv6 : verdict::truncated_ipv4;
     switch (packet[0] >> 4) {
         case 4:
-            return read_ipv4(packet, out, depth);
+            return type == ethertype_ipv6 ? verdict::wrong_ip_version
+                                          : read_ipv4(packet, out, depth);
         case 6:
-            return read_ipv6(packet, out, depth);
+            return type == ethertype_ipv4 ? verdict::wrong_ip_version
+                                          : read_ipv6(packet, out, depth);
         default:
             return verdict::bad_ip_version;
     }
 }
 
-verdict read_ethernet(bytes packet, flow &out, unsigned depth) {
+verdict read_ethernet(bytes packet, dissected &out, unsigned depth) {
     if (packet.size() < 14) return verdict::truncated_ethernet;
     uint16_t type = word(packet, 12);
     bytes rest = packet.subspan(14);
     while (type == ethertype_vlan || type == ethertype_service_vlan) {
         if (rest.size() < 4) return verdict::truncated_vlan;
-        out.vlan = word(rest, 0) & 0x0fff;
+        out.f.vlan = word(rest, 0) & 0x0fff;
         type = word(rest, 2);
         rest = rest.subspan(4);
     }
-    if (type != ethertype_ipv4 && type != ethertype_ipv6) return verdict::not_ip;
-    return read_ip(rest, out, depth);
+    if (is_ip(type)) return read_ip(rest, type, out, depth);
+    out.type = type_or_none(type);
+    return verdict::not_ip;
+}
+
+// "ARP, type 0x0806"
+std::string type_text(uint16_t type) {
+    if (type == 0) return "a length of IEEE 802.3 in place of a type";
+    struct known {
+        uint16_t type;
+        const char *name;
+    };
+    constexpr known names[] = {{0x0806, "ARP"},   {0x8035, "RARP"},  {0x8809, "slow protocols"},
+                               {0x8847, "MPLS"},  {0x8863, "PPPoE"}, {0x8864, "PPPoE"},
+                               {0x888e, "EAPOL"}, {0x88cc, "LLDP"},  {0x88f7, "PTP"}};
+    char number[16];
+    std::snprintf(number, sizeof number, "type 0x%04x", type);
+    for (const known &k : names)
+        if (k.type == type) return std::string(k.name) + ", " + number;
+    return number;
 }
 
 }  // namespace
 
-const char *name_of(verdict v) {
+std::string name_of(verdict v, uint16_t type) {
     switch (v) {
         case verdict::flow_found:
             return "flow";
@@ -151,7 +193,9 @@ const char *name_of(verdict v) {
         case verdict::truncated_vlan:
             return "truncated VLAN tag";
         case verdict::not_ip:
-            return "not IP";
+            return "not IP: " + type_text(type);
+        case verdict::not_ip_in_tunnel:
+            return "not IP inside Geneve: " + type_text(type);
         case verdict::truncated_ipv4:
             return "truncated IPv4 header";
         case verdict::bad_ipv4_header:
@@ -160,19 +204,25 @@ const char *name_of(verdict v) {
             return "truncated IPv6 header";
         case verdict::bad_ip_version:
             return "IP version neither 4 nor 6";
+        case verdict::wrong_ip_version:
+            return "IP version other than the type says";
         case verdict::truncated_transport:
             return "truncated TCP, UDP or ICMP header";
         case verdict::truncated_tunnel:
             return "truncated VXLAN or Geneve header";
+        case verdict::bad_tunnel_header:
+            return "VXLAN header without a VNI, or Geneve of another version";
         case verdict::nested_too_deep:
             return "more than 4 tunnels in one another";
     }
     return "";
 }
 
-verdict dissect(bytes packet, link_type kind, flow &out) {
-    out = flow{};
-    return kind == link_type::ethernet ? read_ethernet(packet, out, 0) : read_ip(packet, out, 0);
+dissected dissect(bytes packet, link_type kind) {
+    dissected out;
+    out.v =
+        kind == link_type::ethernet ? read_ethernet(packet, out, 0) : read_ip(packet, 0, out, 0);
+    return out;
 }
 
 std::string address_text(ip_version version, const std::array<uint8_t, 16> &address) {

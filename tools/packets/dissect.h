@@ -6,6 +6,8 @@
 //                                     UDP 4789 VXLAN   -> the flow is that of the inner packet,
 //                                     UDP 6081 Geneve     under the tunnel's VNI
 //
+// A UDP packet to a tunnel's port whose tunnel header is malformed is no flow.
+//
 // Nothing is read beyond the bytes given, whatever their lengths claim.
 
 #include <array>
@@ -40,21 +42,29 @@ enum class verdict : uint8_t {
     flow_found,
     truncated_ethernet,
     truncated_vlan,
-    not_ip,  // ARP, LLDP and the like
+    not_ip,            // ARP, LLDP and the like
+    not_ip_in_tunnel,  // Geneve around neither an Ethernet frame nor an IP packet
     truncated_ipv4,
     bad_ipv4_header,
     truncated_ipv6,
     bad_ip_version,
+    wrong_ip_version,  // IPv6 under the type of IPv4, or the other way round
     truncated_transport,
     truncated_tunnel,
+    bad_tunnel_header,
     nested_too_deep,
 };
-// "truncated IPv4 header": what a count of such packets is named.
-const char *name_of(verdict v);
-inline constexpr size_t verdicts = 11;
 
-// `flow` is written when the verdict is flow_found, and undefined otherwise.
-verdict dissect(std::span<const uint8_t> packet, link_type kind, flow &out);
+struct dissected {
+    verdict v = verdict::flow_found;
+    flow f;             // when the verdict is flow_found; undefined otherwise
+    uint16_t type = 0;  // of the two not_ip verdicts: the Ethertype; 0 for a length in its place
+};
+// What a count of such packets is named: "truncated IPv4 header", "not IP: ARP, type 0x0806".
+std::string name_of(verdict v, uint16_t type = 0);
+
+// A packet that the capture cut short still gives its flow when what decides the flow is there.
+dissected dissect(std::span<const uint8_t> packet, link_type kind);
 
 // "10.1.0.5:443", "[2001:db8::1]:443"; without the port when there is none to show.
 std::string address_text(ip_version version, const std::array<uint8_t, 16> &address);
