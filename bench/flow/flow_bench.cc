@@ -122,13 +122,16 @@ int main(int argc, char **argv) {
     const std::string only = argc > 3 ? argv[3] : "";
     std::vector<entrant> all;
     std::string why = "not built in";
-    add(all, make_single(), "the flow table", why);
-    add(all, make_batch(), "the flow table's batch calls", why);
-    add(all, make_absl(flows), "absl::flat_hash_map", why);
-    add(all, make_rte_hash(flows, false, why), "rte_hash", why);
-    add(all, make_rte_hash(flows, true, why), "rte_hash in bulk", why);
+    const auto enter = [&](const char *name, auto make) {
+        if (std::string_view(name).find(only) != std::string_view::npos)
+            add(all, make(), name, why);
+    };
+    enter("halden, single calls", make_single);
+    enter("halden, batch calls", make_batch);
+    enter("absl::flat_hash_map", [&] { return make_absl(flows); });
+    enter("rte_hash", [&] { return make_rte_hash(flows, false, why); });
+    enter("rte_hash, bulk", [&] { return make_rte_hash(flows, true, why); });
 
-    std::erase_if(all, [&](const entrant &e) { return e.table->name().find(only) == only.npos; });
     for (unsigned round = 0; round < rounds; ++round)
         for (size_t phase = 0; phase < phase_count; ++phase)
             for (size_t i = 0; i < all.size(); ++i)

@@ -5,7 +5,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <utility>
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
 
 namespace api::impl {
 
@@ -29,13 +31,25 @@ table_state::table_state(adapter &hardware)
     : current_(hardware),
       mark_(mark_in(hardware)),
       state_(new api::impl::tev_host_state{}),
-      before_(std::exchange(api::impl::g_tev_impl_state.state, state_.get())) {
+      before_(api::impl::g_tev_impl_state.state) {
     state_->host[0] = &hardware;
-    if (mark_.empty()) return;
+    if (!mark_.empty()) begin_work();
+    api::impl::g_tev_impl_state.state = state_.get();
+}
+
+void table_state::begin_work() {
     // The other engines have taken up what they found; chains of flows may be half linked.
-    if (access(mark_.c_str(), F_OK) == 0) tables().flow_tbl()->restore_state();
+    if (access(mark_.c_str(), F_OK) == 0) {
+        const sdk_ret_t result = tables().flow_tbl()->restore_state();
+        if (result != SDK_RET_OK)
+            throw std::runtime_error(mark_ +
+                                     ": the flows that a process left here, which did not " +
+                                     "end in good order, could not be put right (result " +
+                                     std::to_string(result) + ")");
+    }
     const int file = open(mark_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
-    if (file >= 0) close(file);
+    if (file < 0) throw std::runtime_error(mark_ + ": " + std::strerror(errno));
+    close(file);
 }
 
 table_state::~table_state() {

@@ -13,7 +13,8 @@
 // At the end what was published before is so again.
 //
 // No table call may run while a state is made or destroyed. A table whose engine cannot be made
-// ends the process.
+// ends the process; a directory in which nothing can be put right or marked throws
+// std::runtime_error.
 
 #include "host/adapter.h"
 #include "tev_tbl_impl_state.h"
@@ -33,6 +34,8 @@ class table_state {
     api::impl::tev_tbl_impl_state &tables() { return state_->tables; }
 
   private:
+    void begin_work();
+
     scoped_current current_;
     std::string mark_;
     std::unique_ptr<api::impl::tev_host_state> state_;

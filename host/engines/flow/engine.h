@@ -24,8 +24,17 @@
 //   * the main row of a bucket with flows is in use. Removing a row that others hang on moves the
 //     entry of a leaf into it; while the key changes the row is not valid, and its hints hold.
 //
+// So whoever walks the memory between any two stores finds every flow. A walk that goes on while
+// the leaf moves can have passed the row before it holds the leaf's key, and reach the leaf after
+// it was emptied: the engine's own readers learn that from the stripe's version and walk again.
+//
+// A path ends at its last row, also where a slot before it became free again: a bucket that many
+// flows were removed from may refuse one although it has free slots. Buckets of one flow or two, as
+// a table of 95 % load has them, do not come to that.
+//
 // Entries are reached through their virtual operations only, in the scratch entries of the table.
-// Column 0 is the row a walk stands on, the other columns serve the operation.
+// Column 0 is the row a walk stands on, the other columns serve the operation. Entries that are
+// known to be flow_hash_entry_t need no scratch: their bodies are worked on in place.
 
 #include "host/engines/flow/entry_handle.h"
 #include "host/engines/flow/free_rows.h"
@@ -36,6 +45,7 @@
 
 #include <mutex>
 #include <span>
+#include <unordered_set>
 #include <vector>
 
 namespace halden::host::flow {
@@ -46,6 +56,13 @@ using sdk::table::sdk_table_factory_params_;
 inline constexpr uint32_t hint_hash_bits = 10;
 inline constexpr unsigned reader_tries = 256;
 inline constexpr uint32_t longest_walk = 4096;  // rows; a longer chain is a circle
+
+// What tells an object's class.
+inline const void *virtual_table_of(const base_table_entry_t *entry) {
+    const void *table;
+    std::memcpy(&table, static_cast<const void *>(entry), sizeof table);
+    return table;
+}
 
 // Where a walk ended: at the row that holds the key, or at the last row of the path.
 struct walk {
@@ -76,7 +93,17 @@ class engine {
     // Maps the memories and notes which rows are in use; changes nothing in them.
     sdk_ret_t start(adapter &hardware);
 
-    sdk_ret_t hash_of(const sdk_table_api_params_ &call, uint32_t &hash) const;
+    // The caller's record is as it was afterwards: it may be used again for another key. It is not
+    // copied, since it was just written in pieces, and a copy would wait for them.
+    sdk_ret_t hash_of(sdk_table_api_params_ &call, uint32_t &hash) const {
+        const uint32_t given = call.hash_value;
+        const bool was_given = call.hash_valid;
+        const sdk_ret_t result = table_.genhash_(&call);
+        hash = call.hash_value;
+        call.hash_value = given;
+        call.hash_valid = was_given;
+        return result;
+    }
     sdk_ret_t insert(base_table_entry_t *entry, uint32_t hash);
     sdk_ret_t update(base_table_entry_t *entry, uint32_t hash);
     sdk_ret_t remove(base_table_entry_t *entry, uint32_t hash);
@@ -89,7 +116,10 @@ class engine {
     size_t get(std::span<base_table_entry_t *const> entries, sdk_ret_t *results);
 
     // Completes or takes back what the memories hold of operations that never ended, empties
-    // overflow rows that nothing leads to, and counts anew. No other thread may be at work.
+    // overflow rows that nothing leads to, and counts anew. No other thread may be at work. Flows
+    // are looked for by the hash that genhash_ gives: one that was inserted with another hash of
+    // the caller's is taken for a torn chain and lost. A genhash_ that fails ends the work with its
+    // code, before anything is taken for torn.
     sdk_ret_t restore();
 
     rows &memory() { return rows_; }
@@ -111,18 +141,25 @@ class engine {
     static uint32_t hint_hash(uint32_t hash) { return hash & ((1u << hint_hash_bits) - 1); }
     stripe &stripe_of(uint32_t main_row) const { return stripes_[main_row & (stripe_count_ - 1)]; }
 
+    // Calls `work` with handles of the entry and of two to work in: plain ones where the caller's
+    // entry and the table's are plain, else scratch entries of the table.
     template <typename F>
-    size_t in_groups(std::span<base_table_entry_t *const> entries, sdk_ret_t *results, F one);
-
-    // Calls `work` with handles of the entry and of the caller's row of scratch entries: plain ones
-    // where both are plain.
-    template <typename F>
-    auto with(base_table_entry_t *entry, const scratch_row &mine, F work) {
-        if (plain_ && plain_entry::is_one(entry))
-            return work(plain_entry(entry), plain_entry(scratch(mine, 0)),
-                        plain_entry(scratch(mine, 1)));
+    auto with(base_table_entry_t *entry, F work) {
+        if (virtual_table_of(entry) == plain_table_) {
+            plain_room one, two;
+            return work(plain_entry(body_of(entry)), plain_entry(one.body), plain_entry(two.body));
+        }
+        const scratch_row mine;
         return work(entry, scratch(mine, 0), scratch(mine, 1));
     }
+
+    // Calls on many entries.
+    struct batch_call;
+    template <typename F>
+    size_t in_steps(std::span<base_table_entry_t *const> entries, sdk_ret_t *results, F work);
+    sdk_ret_t begin(base_table_entry_t *entry, batch_call &call);
+    bool step_ahead(base_table_entry_t *entry, batch_call &call, bool to_leaf);
+    bool step_of_get(base_table_entry_t *entry, batch_call &call, sdk_ret_t &result);
 
     // E: base_table_entry_t * or plain_entry. engine_work.h has what these do.
     struct seen_row {
@@ -134,9 +171,9 @@ class engine {
     template <typename E>
     seen_row look(const place &at, E cursor, E key, uint32_t hash) const;
     template <typename E>
-    seen_row look_at_main(E cursor, E entry, uint32_t hash) const;
+    static void give(base_table_entry_t *entry, E from);
     template <typename E>
-    static void fill(E entry, E from);
+    bool holds(E cursor, E key, uint32_t hash, place &at) const;
     template <typename E>
     walk find(E cursor, E key, uint32_t hash) const;
     template <typename E>
@@ -148,10 +185,10 @@ class engine {
     template <typename E>
     sdk_ret_t remove_as(E entry, E cursor, E other, uint32_t hash);
     void collect(const place &at, uint32_t path, base_table_entry_t *cursor,
-                 std::vector<bucket_row> &out) const;
+                 std::vector<bucket_row> &out, std::unordered_set<uint32_t> &seen) const;
     template <typename E>
     void take_key_and_data(E entry, E from) const;
-    void note_rows_in_use(uint32_t left_out = 0);
+    void note_rows_in_use();
 
     // Runs `read` until no writer came between. After many changes under its eyes it takes the
     // lock: a reader must come to an end.
@@ -173,7 +210,9 @@ class engine {
     template <typename E>
     void unlink(const place &parent, E parent_entry, uint32_t slot);
     template <typename E>
-    void store_valid(const place &row, E entry);
+    void store_hints(const place &row, E entry) const;
+    template <typename E>
+    void store_valid(const place &row, E entry) const;
     template <typename E>
     void empty(const place &row, E entry);
     template <typename E>
@@ -186,11 +225,12 @@ class engine {
     uint32_t hints_;  // hint slots used, from slot 1
     uint32_t more_slot_;
     uint32_t max_chain_;
-    bool plain_;  // the scratch entries are
+    const void *plain_table_ = nullptr;  // virtual table of plain entries, if the table's are
     uint32_t main_shift_ = 32;
     uint32_t stripe_count_ = 0;
     stripe *stripes_ = nullptr;
-    uint32_t *links_ = nullptr;
+    uint32_t *free_words_ = nullptr;
+    uint32_t left_out_ = 0;  // overflow rows below are not handed out
     rows rows_;
     free_rows free_;
     uint32_t main_before_ = 0;  // entries in use when the counting began

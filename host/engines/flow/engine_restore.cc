@@ -9,6 +9,7 @@
 //     place is still a leaf;
 //   * a leaf whose key stands in a row before it: its copy was made, the leaf is to go.
 
+#include "host/engines/engine.h"
 #include "host/engines/flow/engine_work.h"
 
 #include <algorithm>
@@ -32,7 +33,9 @@ class restorer {
         for (rows::used_rows used(of_.rows_, flow_table); used.next(at);) {
             bucket_ = at.row;
             way_.clear();
-            if (!repair(at)) make_empty(at);
+            const bool holds = repair(at);
+            if (failure_ != SDK_RET_OK) return failure_;
+            if (!holds) make_empty(at);
         }
         for (rows::used_rows used(of_.rows_, flow_ohash_table); used.next(at);)
             if (!used_[at.row]) make_empty(at);
@@ -49,11 +52,13 @@ class restorer {
     sdk_ret_t hash_of_entry(base_table_entry_t *entry, uint32_t &hash) {
         sdk_table_api_params_ call = {};
         call.entry = entry;
-        return of_.hash_of(call, hash);
+        const sdk_ret_t result = of_.hash_of(call, hash);
+        if (result != SDK_RET_OK) failure_ = result;
+        return result;
     }
 
     void make_empty(const place &at) {
-        rows::load(at, row_);
+        rows::load(at, body_of(row_));
         of_.empty(at, row_);
     }
 
@@ -62,7 +67,7 @@ class restorer {
     bool belongs(uint32_t hint) {
         for (uint32_t steps = 0; steps < longest_walk; ++steps) {
             if (hint >= of_.rows_.overflow_rows()) return false;
-            rows::load(of_.rows_.overflow(hint), other_);
+            rows::load(of_.rows_.overflow(hint), body_of(other_));
             if (other_->get_entry_valid() != 0) {
                 uint32_t hash = 0;
                 return hash_of_entry(other_, hash) == SDK_RET_OK && comes_here(hash);
@@ -78,14 +83,14 @@ class restorer {
         if (of_.main_row(hash) != bucket_) return false;
         return std::all_of(way_.begin(), way_.end(), [&](const step &one) {
             uint32_t hint = 0;
-            rows::load(one.from, other_);
+            rows::load(one.from, body_of(other_));
             return of_.next_slot(other_, hash, hint) == one.slot;
         });
     }
 
     bool stands_in_an_ancestor(base_table_entry_t *entry) {
         for (const step &one : way_) {
-            rows::load(one.from, other_);
+            rows::load(one.from, body_of(other_));
             if (other_->get_entry_valid() != 0 && other_->compare_key(entry)) return true;
         }
         return false;
@@ -93,7 +98,7 @@ class restorer {
 
     void repair_slot(const place &at, uint32_t slot) {
         uint32_t hint = 0, hash = 0;
-        rows::load(at, row_);
+        rows::load(at, body_of(row_));
         row_->get_hint_hash(slot, hint, hash);
         if (hint == 0) return;
         // A row that was come to before stays with the row that led there first.
@@ -105,18 +110,21 @@ class restorer {
             used_[hint] = holds;
         }
         way_.pop_back();
-        if (holds) return;
+        if (holds || failure_ != SDK_RET_OK) return;
         of_.unlink(at, row_, slot);
     }
 
     // Puts a row right, and all that hang on it; false when it holds no flow.
     bool repair(const place &at) {
-        for (uint32_t slot = 1; slot <= of_.more_slot_; ++slot) repair_slot(at, slot);
-        rows::load(at, row_);
+        for (uint32_t slot = 1; slot <= of_.more_slot_; ++slot) {
+            repair_slot(at, slot);
+            if (failure_ != SDK_RET_OK) return true;
+        }
+        rows::load(at, body_of(row_));
         if (row_->get_entry_valid() != 0) {
             if (!stands_in_an_ancestor(row_)) return true;
             row_->set_entry_valid(0);
-            of_.rows_.store_changed(at, row_);
+            of_.rows_.store_changed(at, body_of(row_));
         }
         const walk leaf = of_.leaf_under(at, other_);
         if (leaf.slot == 0 || leaf.broken) return false;
@@ -133,8 +141,11 @@ class restorer {
     std::vector<bool> used_;
     std::vector<step> way_;
     uint32_t bucket_ = 0;
+    sdk_ret_t failure_ = SDK_RET_OK;  // of a hash; nothing is changed any more
 };
 
-sdk_ret_t engine::restore() { return restorer(*this).run(); }
+sdk_ret_t engine::restore() {
+    return guarded([&] { return restorer(*this).run(); });
+}
 
 }  // namespace halden::host::flow

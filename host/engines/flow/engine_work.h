@@ -44,7 +44,7 @@ uint32_t engine::free_slot(E entry) const {
 // Reads a row: whether it is in use and whether it holds the key; and the slot by which a key of
 // `hash` goes on.
 template <typename E>
-engine::seen_row engine::look(const place &at, E cursor, E key, uint32_t hash) const {
+inline engine::seen_row engine::look(const place &at, E cursor, E key, uint32_t hash) const {
     seen_row seen;
     if constexpr (std::is_same_v<E, plain_entry>) {
         const row_view row(at);
@@ -53,7 +53,7 @@ engine::seen_row engine::look(const place &at, E cursor, E key, uint32_t hash) c
         if (!seen.has_key && row.copy_hints(cursor.body()))
             seen.slot = next_slot(cursor, hash, seen.hint);
     } else {
-        rows::load(at, cursor);
+        rows::load(at, body_of(cursor));
         seen.in_use = cursor->get_entry_valid() != 0;
         seen.has_key = seen.in_use && cursor->compare_key(key);
         if (!seen.has_key) seen.slot = next_slot(cursor, hash, seen.hint);
@@ -61,7 +61,21 @@ engine::seen_row engine::look(const place &at, E cursor, E key, uint32_t hash) c
     return seen;
 }
 
-// What `cursor` holds at the end is of no meaning.
+// Whether the key is in the table; `at` becomes its row. What `cursor` holds at the end is of no
+// meaning.
+template <typename E>
+bool engine::holds(E cursor, E key, uint32_t hash, place &at) const {
+    at = rows_.main(main_row(hash));
+    for (uint32_t steps = 0; steps <= longest_walk; ++steps) {
+        const seen_row seen = look(at, cursor, key, hash);
+        if (seen.has_key || seen.slot == 0 || seen.hint >= rows_.overflow_rows())
+            return seen.has_key;
+        at = rows_.overflow(seen.hint);
+    }
+    return false;
+}
+
+// The same with all that a change needs to know.
 template <typename E>
 walk engine::find(E cursor, E key, uint32_t hash) const {
     walk way;
@@ -94,7 +108,7 @@ walk engine::leaf_under(const place &from, E cursor) const {
     walk way;
     way.at = from;
     for (uint32_t steps = 0;; ++steps) {
-        rows::load(way.at, base_of(cursor));
+        rows::load(way.at, body_of(cursor));
         const uint32_t slot = cursor->find_last_hint();
         if (slot == 0) return way;
         uint32_t hint = 0;
@@ -109,11 +123,21 @@ walk engine::leaf_under(const place &from, E cursor) const {
     }
 }
 
-// The caller's whole entry, from a scratch entry that was read whole.
+// Makes the caller's whole entry of one that was read whole. Word by word: they were just written
+// that way, and the wider loads of a copy would wait for them.
 template <typename E>
-void engine::fill(E entry, E from) {
-    std::memcpy(body_of(base_of(entry)), body_of(base_of(from)), flow_row_bytes);
-    entry->set_entry_valid(1);
+void engine::give(base_table_entry_t *entry, E from) {
+    for_row_words([&](auto i) {
+        uint64_t word = flow_layout::load_word(body_of(from), i);
+        __asm__("" : "+r"(word));
+        flow_layout::store_word(body_of(entry), i, word);
+    });
+    if constexpr (std::is_same_v<E, plain_entry>) {
+        entry->valid = 1;
+        flow_layout::set_valid(body_of(entry), true);
+    } else {
+        entry->set_entry_valid(1);
+    }
 }
 
 // --- Stores --------------------------------------------------------------------------------------
@@ -130,33 +154,46 @@ void engine::take_key_and_data(E entry, E from) const {
     entry->set_hint_hash(more_slot_, hint, 1);
 }
 
+// What differs from the row is hints and hashes. Where the entry's layout is known, only their
+// words are looked at.
+template <typename E>
+void engine::store_hints(const place &row, E entry) const {
+    if constexpr (std::is_same_v<E, plain_entry>) {
+        rows_.store_changed<flow_layout::first_chain_word, flow_layout::data_word>(row,
+                                                                                   entry.body());
+    } else {
+        rows_.store_changed(row, body_of(entry));
+    }
+}
+
+// The same for the valid bit.
+template <typename E>
+void engine::store_valid(const place &row, E entry) const {
+    if constexpr (std::is_same_v<E, plain_entry>) {
+        constexpr uint32_t word = flow_layout::valid_word;
+        rows_.store_changed<word, word>(row, entry.body());
+    } else {
+        rows_.store_changed(row, body_of(entry));
+    }
+}
+
 template <typename E>
 void engine::link(const place &parent, E parent_entry, uint32_t slot, uint32_t row, uint32_t hash) {
     parent_entry->set_hint_hash(slot, 0, hint_hash(hash));
-    rows_.store_changed(parent, base_of(parent_entry));
+    store_hints(parent, parent_entry);
     parent_entry->set_hint_hash(slot, row, hint_hash(hash));
-    rows_.store_changed(parent, base_of(parent_entry));
+    store_hints(parent, parent_entry);
 }
 
 template <typename E>
 void engine::unlink(const place &parent, E parent_entry, uint32_t slot) {
     uint32_t hint = 0, hash = 0;
-    rows::load(parent, base_of(parent_entry));
+    rows::load(parent, body_of(parent_entry));
     parent_entry->get_hint_hash(slot, hint, hash);
     parent_entry->set_hint_hash(slot, 0, hash);
-    rows_.store_changed(parent, base_of(parent_entry));
+    store_hints(parent, parent_entry);
     parent_entry->set_hint_hash(slot, 0, 0);
-    rows_.store_changed(parent, base_of(parent_entry));
-}
-
-// Only the valid bit differs from the row. Where the entry's layout is known, only its word is
-// looked at.
-template <typename E>
-void engine::store_valid(const place &row, E entry) {
-    if constexpr (std::is_same_v<E, plain_entry>)
-        rows_.store_changed_at(row, base_of(entry), flow_layout::entry_valid.first);
-    else
-        rows_.store_changed(row, entry);
+    store_hints(parent, parent_entry);
 }
 
 // Not valid first, then nothing at all. `entry` holds the row.
@@ -165,7 +202,7 @@ void engine::empty(const place &row, E entry) {
     entry->set_entry_valid(0);
     store_valid(row, entry);
     entry->clear();
-    rows_.store_changed(row, base_of(entry));
+    rows_.store_changed(row, body_of(entry));
 }
 
 // Another key and its data in a row whose hints stay. `entry` holds the row.
@@ -176,7 +213,7 @@ void engine::replace(const place &row, E entry, E by) {
         store_valid(row, entry);
     }
     take_key_and_data(entry, by);
-    rows_.store_changed(row, base_of(entry));
+    rows_.store_changed(row, body_of(entry));
     entry->set_entry_valid(1);
     store_valid(row, entry);
 }

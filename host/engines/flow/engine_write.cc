@@ -16,14 +16,14 @@ sdk_ret_t engine::insert_as(E entry, E cursor, E fresh, uint32_t hash) {
     if (way.broken) return SDK_RET_ERR;
     if (!way.main_in_use) {
         const place main = rows_.main(main_row(hash));
-        rows::load(main, base_of(cursor));
+        rows::load(main, body_of(cursor));
         const stripe_change change(shared);
         replace(main, cursor, entry);
         shared.count(1, 0);
         return SDK_RET_OK;
     }
 
-    rows::load(way.at, base_of(cursor));
+    rows::load(way.at, body_of(cursor));
     const uint32_t slot = free_slot(cursor);
     const uint32_t length = slot == more_slot_ ? way.continued : way.chained;
     if (length >= max_chain_) return SDK_RET_NO_RESOURCE;
@@ -33,7 +33,7 @@ sdk_ret_t engine::insert_as(E entry, E cursor, E fresh, uint32_t hash) {
     take_key_and_data(fresh, entry);
     fresh->set_entry_valid(1);
     const stripe_change change(shared);
-    rows_.store_changed(rows_.overflow(row), base_of(fresh));
+    rows_.store_all(rows_.overflow(row), body_of(fresh));
     link(way.at, cursor, slot, row, hash);
     shared.count(0, 1);
     return SDK_RET_OK;
@@ -41,24 +41,22 @@ sdk_ret_t engine::insert_as(E entry, E cursor, E fresh, uint32_t hash) {
 
 sdk_ret_t engine::insert(base_table_entry_t *entry, uint32_t hash) {
     rows::prefetch(rows_.main(main_row(hash)));
-    const scratch_row mine;
-    return with(entry, mine, [&](auto caller, auto cursor, auto fresh) {
+    return with(entry, [&](auto caller, auto cursor, auto fresh) {
         return insert_as(caller, cursor, fresh, hash);
     });
 }
 
 sdk_ret_t engine::update(base_table_entry_t *entry, uint32_t hash) {
     rows::prefetch(rows_.main(main_row(hash)));
-    const scratch_row mine;
     stripe &shared = stripe_of(main_row(hash));
     const std::lock_guard guard(shared);
-    return with(entry, mine, [&](auto caller, auto cursor, auto) {
+    return with(entry, [&](auto caller, auto cursor, auto) {
         const walk way = find(cursor, caller, hash);
         if (!way.found) return SDK_RET_ENTRY_NOT_FOUND;
-        rows::load(way.at, base_of(cursor));
+        rows::load(way.at, body_of(cursor));
         const stripe_change change(shared);
         take_key_and_data(cursor, caller);
-        rows_.store_changed(way.at, base_of(cursor));
+        rows_.store_changed(way.at, body_of(cursor));
         return SDK_RET_OK;
     });
 }
@@ -70,7 +68,7 @@ sdk_ret_t engine::remove_as(E entry, E cursor, E other, uint32_t hash) {
 
     walk leaf = find(cursor, entry, hash);
     if (!leaf.found) return SDK_RET_ENTRY_NOT_FOUND;
-    rows::load(leaf.at, base_of(cursor));
+    rows::load(leaf.at, body_of(cursor));
     const stripe_change change(shared);
     if (cursor->find_last_hint() != 0) {
         const place from = leaf.at;
@@ -93,8 +91,7 @@ sdk_ret_t engine::remove_as(E entry, E cursor, E other, uint32_t hash) {
 
 sdk_ret_t engine::remove(base_table_entry_t *entry, uint32_t hash) {
     rows::prefetch(rows_.main(main_row(hash)));
-    const scratch_row mine;
-    return with(entry, mine, [&](auto caller, auto cursor, auto other) {
+    return with(entry, [&](auto caller, auto cursor, auto other) {
         return remove_as(caller, cursor, other, hash);
     });
 }

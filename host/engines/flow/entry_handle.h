@@ -1,30 +1,24 @@
 #pragma once
 
 // How the engine speaks to an entry: through its virtual operations, or, when the entry is known to
-// be a flow_hash_entry_t and nothing derived from it, through the same operations in line. Both
-// are used as pointers; the work of the engine is written once for either.
+// be a flow_hash_entry_t and nothing derived from it, through the same operations in line on its
+// body. Both are used as pointers; the work of the engine is written once for either.
 
 #include "ftl/flow_entry_ops.h"
-#include "ftl/flow_hash_entry.h"
+#include "host/engines/flow/rows.h"
 
 namespace halden::host::flow {
 
 class plain_entry {
   public:
-    explicit plain_entry(base_table_entry_t *entry)
-        : entry_(static_cast<flow_hash_entry_t *>(entry)) {}
-
-    // Whether the entry's class is flow_hash_entry_t itself.
-    static bool is_one(base_table_entry_t *entry);
+    // The body of an entry, or room for one.
+    explicit plain_entry(uint8_t *body) : body_(body) {}
 
     plain_entry *operator->() { return this; }
-    base_table_entry_t *base() const { return entry_; }
+    uint8_t *body() const { return body_; }
 
     uint8_t get_entry_valid() const { return flow_layout::is_valid(body()) ? 1 : 0; }
-    void set_entry_valid(uint8_t v) const {
-        entry_->valid = v & 1;
-        flow_layout::set_valid(body(), (v & 1) != 0);
-    }
+    void set_entry_valid(uint8_t v) const { flow_layout::set_valid(body(), (v & 1) != 0); }
     bool compare_key(plain_entry other) const {
         return flow_layout::same_key(body(), other.body());
     }
@@ -33,10 +27,8 @@ class plain_entry {
         flow_layout::copy_data(body(), from.body());
     }
     void clear() const {
-        flow_layout::zero_key(body());
-        flow_layout::zero_hints(body());
-        flow_layout::zero_data(body());
-        set_entry_valid(0);
+        for (uint32_t i = 0; i < flow_layout::body_words; ++i)
+            flow_layout::store_word(body(), i, 0);
     }
     void set_hint_hash(uint32_t slot, uint32_t hint, uint32_t hash) const {
         flow_layout::set_hint(body(), slot, hint, hash);
@@ -50,17 +42,19 @@ class plain_entry {
     }
     uint32_t find_last_hint() const { return flow_layout::last_hint(body()); }
 
-    uint8_t *body() const { return entry_->body(); }
-
   private:
     uint32_t bits(flow_layout::range r) const {
         return static_cast<uint32_t>(flow_layout::read_bits(body(), r));
     }
 
-    flow_hash_entry_t *entry_;
+    uint8_t *body_;
 };
 
-inline base_table_entry_t *base_of(base_table_entry_t *entry) { return entry; }
-inline base_table_entry_t *base_of(plain_entry entry) { return entry.base(); }
+// Room for a plain entry's body, a cache line's beginning at its own.
+struct alignas(64) plain_room {
+    uint8_t body[flow_row_bytes];
+};
+
+inline uint8_t *body_of(plain_entry entry) { return entry.body(); }
 
 }  // namespace halden::host::flow

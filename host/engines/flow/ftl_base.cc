@@ -2,6 +2,7 @@
 
 #include "sdk/table/ftl_base.h"
 
+#include "host/engines/engine.h"
 #include "host/engines/flow/engine.h"
 
 #include <sys/mman.h>
@@ -16,8 +17,8 @@ namespace {
 using halden::host::flow::engine;
 
 // Hands a caller's record on as an entry and its hash.
-sdk_ret_t call(engine *made, const sdk_table_api_params_ *params,
-               sdk_ret_t (engine::*operation)(base_table_entry_t *, uint32_t)) {
+template <sdk_ret_t (engine::*operation)(base_table_entry_t *, uint32_t)>
+sdk_ret_t call(engine *made, sdk_table_api_params_ *params) {
     if (made == nullptr || params == nullptr || params->entry == nullptr)
         return SDK_RET_INVALID_ARG;
     uint32_t hash = 0;
@@ -63,7 +64,7 @@ sdk_ret_t ftl_base::init_(sdk_table_factory_params_ *params) {
     void *memory = ftl_calloc(params->table_id, sizeof(impl), false);
     if (memory == nullptr) return SDK_RET_OOM;
     impl *made = ::new (memory) impl(*this, *params);
-    const sdk_ret_t result = made->start(current());
+    const sdk_ret_t result = guarded([&] { return made->start(current()); });
     if (result != SDK_RET_OK) {
         made->~impl();
         ftl_free(params->table_id, made, false, sizeof(impl));
@@ -84,17 +85,17 @@ void ftl_base::destroy(ftl_base *table) {
 }
 
 sdk_ret_t ftl_base::insert(sdk_table_api_params_ *params) {
-    return call(impl_, params, &engine::insert);
+    return call<&engine::insert>(impl_, params);
 }
 
 sdk_ret_t ftl_base::update(sdk_table_api_params_ *params) {
-    return call(impl_, params, &engine::update);
+    return call<&engine::update>(impl_, params);
 }
 
 sdk_ret_t ftl_base::remove(sdk_table_api_params_ *params) {
-    return call(impl_, params, &engine::remove);
+    return call<&engine::remove>(impl_, params);
 }
 
-sdk_ret_t ftl_base::get(sdk_table_api_params_ *params) { return call(impl_, params, &engine::get); }
+sdk_ret_t ftl_base::get(sdk_table_api_params_ *params) { return call<&engine::get>(impl_, params); }
 
 }  // namespace sdk::table

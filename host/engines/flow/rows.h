@@ -15,8 +15,20 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <utility>
 
 namespace halden::host::flow {
+
+inline constexpr uint32_t words_per_row = flow_row_bytes / sizeof(uint64_t);
+static_assert(std::endian::native == std::endian::little);
+
+// Calls `f(word index)` for all words of a row, unrolled.
+template <typename F>
+inline void for_row_words(F f) {
+    [&]<size_t... I>(std::index_sequence<I...>) {
+        (f(std::integral_constant<uint32_t, I>{}), ...);
+    }(std::make_index_sequence<words_per_row>{});
+}
 
 // One row of one of the two memories.
 struct place {
@@ -30,9 +42,6 @@ struct place {
 // Called behind every word that the engine stores in a row, from the storing thread, in the middle
 // of the operation: it may look at the memories, and must not call the engine.
 using write_hook = std::function<void(uint32_t table, uint32_t row)>;
-
-inline constexpr uint32_t words_per_row = flow_row_bytes / sizeof(uint64_t);
-static_assert(std::endian::native == std::endian::little);
 
 // The body stands behind the base class's valid word.
 inline uint8_t *body_of(base_table_entry_t *entry) {
@@ -98,28 +107,38 @@ class rows {
         return true;
     }
 
-    // Fills the entry's body; its `valid` is left alone.
-    static void load(const place &from, base_table_entry_t *entry) {
-        uint8_t *body = body_of(entry);
-        for (uint32_t i = 0; i < words_per_row; ++i) {
+    // Fills a body.
+    static void load(const place &from, uint8_t *body) {
+        for_row_words([&](auto i) {
             const uint64_t word =
                 __builtin_bswap64(word_at(from, i).load(std::memory_order_acquire));
             std::memcpy(body + (words_per_row - 1 - i) * sizeof word, &word, sizeof word);
-        }
+        });
     }
 
-    // Stores the words in which the row differs from the entry.
-    void store_changed(const place &to, base_table_entry_t *entry) const {
-        for (uint32_t i = 0; i < words_per_row; ++i) store_if_changed(to, entry, i);
+    // Stores the words in which the row differs from the body; of the body words `first` to `last`.
+    template <uint32_t first = 0, uint32_t last = words_per_row - 1>
+    void store_changed(const place &to, const uint8_t *body) const {
+        for_row_words([&](auto i) {
+            if constexpr (words_per_row - 1 - i >= first && words_per_row - 1 - i <= last) {
+                const uint64_t word = row_word(body, i);
+                // Only the holder of the bucket's lock writes: the row does not change in between.
+                if (word_at(to, i).load(std::memory_order_relaxed) != word) store(to, i, word);
+            }
+        });
     }
-    // The same for the one word that has bit `bit` of the body.
-    void store_changed_at(const place &to, base_table_entry_t *entry, uint32_t bit) const {
-        store_if_changed(to, entry, words_per_row - 1 - bit / 64);
+    // Stores all words, whatever the row holds: unlike the above this does not wait for the row.
+    void store_all(const place &to, const uint8_t *body) const {
+        for_row_words([&](auto i) { store(to, i, row_word(body, i)); });
     }
 
     static void prefetch(const place &what) {
         __builtin_prefetch(what.at);
         __builtin_prefetch(what.at + flow_row_bytes / 2);
+    }
+    static void prefetch_to_write(const place &what) {
+        __builtin_prefetch(what.at, 1);
+        __builtin_prefetch(what.at + flow_row_bytes / 2, 1);
     }
 
     // No operation may be under way.
@@ -127,14 +146,13 @@ class rows {
 
   private:
     static size_t offset(uint32_t row) { return size_t{row} * flow_row_bytes; }
-    void store_if_changed(const place &to, base_table_entry_t *entry, uint32_t i) const {
+    static uint64_t row_word(const uint8_t *body, uint32_t i) {
         uint64_t word;
-        std::memcpy(&word, body_of(entry) + (words_per_row - 1 - i) * sizeof word, sizeof word);
-        word = __builtin_bswap64(word);
-        const auto target = word_at(to, i);
-        // Only the holder of the bucket's lock writes, so the row does not change in between.
-        if (target.load(std::memory_order_relaxed) == word) return;
-        target.store(word, std::memory_order_release);
+        std::memcpy(&word, body + (words_per_row - 1 - i) * sizeof word, sizeof word);
+        return __builtin_bswap64(word);
+    }
+    void store(const place &to, uint32_t i, uint64_t word) const {
+        word_at(to, i).store(word, std::memory_order_release);
         if (hook_) [[unlikely]]
             hook_(to.table, to.row);
     }

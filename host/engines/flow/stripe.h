@@ -9,6 +9,8 @@
 // The rows are read with acquire loads and written with release stores: a reader that saw one new
 // word also sees the odd version that was set before it, and cannot take the mixture for good.
 
+#include "host/engines/flow/spin_lock.h"
+
 #include <atomic>
 #include <cstdint>
 
@@ -18,12 +20,8 @@ namespace halden::host::flow {
 
 class stripe {
   public:
-    void lock() {
-        for (unsigned tries = 0; locked_.exchange(1, std::memory_order_acquire) != 0;)
-            while (locked_.load(std::memory_order_relaxed) != 0)
-                if (++tries % spins == 0) sched_yield();
-    }
-    void unlock() { locked_.store(0, std::memory_order_release); }
+    void lock() { lock_.lock(); }
+    void unlock() { lock_.unlock(); }
 
     void begin_change() { version_.store(version_now() + 1, std::memory_order_relaxed); }
     void end_change() { version_.store(version_now() + 1, std::memory_order_release); }
@@ -55,7 +53,7 @@ class stripe {
     uint32_t version_now() const { return version_.load(std::memory_order_relaxed); }
 
     std::atomic<uint32_t> version_ = 0;
-    std::atomic<uint32_t> locked_ = 0;
+    spin_lock lock_;
     std::atomic<int32_t> main_ = 0;
     std::atomic<int32_t> overflow_ = 0;
 };

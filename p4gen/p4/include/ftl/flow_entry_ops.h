@@ -30,6 +30,7 @@ consteval word_masks mask_of_chain() {
     return masks;
 }
 inline constexpr word_masks chain_mask = mask_of_chain();
+inline constexpr uint32_t first_chain_word = more_hints.first / 64;
 inline constexpr uint32_t last_chain_word = hints[1].first / 64;
 
 // Calls `f(word index)` for every body word with key bits, unrolled: all masks become constants.
