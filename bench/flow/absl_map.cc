@@ -45,6 +45,7 @@ class absl_map : public contender {
     uint64_t create(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
         for (size_t i = 0; i < numbers.size(); ++i) {
+            fetch_key(keys, i);
             done += map_.try_emplace(keys[i], value_of(numbers[i])).second ? 1 : 0;
             end_of_call();
         }
@@ -53,6 +54,7 @@ class absl_map : public contender {
     uint64_t hit(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
         for (size_t i = 0; i < numbers.size(); ++i) {
+            fetch_key(keys, i);
             const auto at = map_.find(keys[i]);
             done += at != map_.end() && at->second == value_of(numbers[i]) ? 1 : 0;
             end_of_call();
@@ -62,6 +64,7 @@ class absl_map : public contender {
     uint64_t miss(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
         for (size_t i = 0; i < numbers.size(); ++i) {
+            fetch_key(keys, i);
             done += map_.find(keys[i]) == map_.end() ? 1 : 0;
             end_of_call();
         }
@@ -70,6 +73,7 @@ class absl_map : public contender {
     uint64_t remove(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
         for (size_t i = 0; i < numbers.size(); ++i) {
+            fetch_key(keys, i);
             done += map_.erase(keys[i]);
             end_of_call();
         }

@@ -78,6 +78,7 @@ class single_calls : public flow_table {
         flow_hash_entry_t entry;
         for (size_t i = 0; i < numbers.size(); ++i) {
             const uint32_t n = numbers[i];
+            fetch_key(keys, i);
             fill(entry, keys[i].key, value_of(n));
             sdk::table::sdk_table_api_params_t params = {};
             params.entry = &entry;
@@ -125,6 +126,7 @@ class batch_calls : public flow_table {
         for (size_t at = 0; at < numbers.size(); at += most) {
             const size_t count = std::min(most, numbers.size() - at);
             for (size_t i = 0; i < count; ++i) {
+                fetch_key(keys, at + i);
                 fill(entries[i], keys[at + i].key, value_of(numbers[at + i]));
                 pointers[i] = &entries[i];
             }

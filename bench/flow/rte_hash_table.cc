@@ -45,6 +45,7 @@ class rte_hash_table : public contender {
     uint64_t create(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
         for (size_t i = 0; i < numbers.size(); ++i) {
+            fetch_key(keys, i);
             done += rte_hash_add_key_data(table_, &keys[i], data_of(numbers[i])) == 0 ? 1 : 0;
             end_of_call();
         }
@@ -59,6 +60,7 @@ class rte_hash_table : public contender {
     uint64_t remove(const std::vector<padded_key> &keys, order numbers) override {
         uint64_t done = 0;
         for (size_t i = 0; i < numbers.size(); ++i) {
+            fetch_key(keys, i);
             done += rte_hash_del_key(table_, &keys[i]) >= 0 ? 1 : 0;
             end_of_call();
         }
@@ -74,6 +76,7 @@ class rte_hash_table : public contender {
         uint64_t done = 0;
         if (!in_bulk_) {
             for (size_t i = 0; i < numbers.size(); ++i) {
+                fetch_key(keys, i);
                 void *data = nullptr;
                 const bool found = rte_hash_lookup_data(table_, &keys[i], &data) >= 0;
                 done += found == wanted && (!found || data == data_of(numbers[i])) ? 1 : 0;
@@ -86,7 +89,10 @@ class rte_hash_table : public contender {
             const void *wanted_keys[bulk];
             void *data[bulk];
             uint64_t mask = 0;
-            for (uint32_t i = 0; i < count; ++i) wanted_keys[i] = &keys[at + i];
+            for (uint32_t i = 0; i < count; ++i) {
+                fetch_key(keys, at + i);
+                wanted_keys[i] = &keys[at + i];
+            }
             rte_hash_lookup_bulk_data(table_, wanted_keys, count, &mask, data);
             for (uint32_t i = 0; i < count; ++i) {
                 const bool found = (mask >> i & 1) != 0;
