@@ -117,7 +117,93 @@ TEST_P(FlowFailingHash, RestoringAnswersItsCode) {
     expect_nothing_was_changed();
 }
 
+// However many hashes succeed before: the code is answered, and no flow is lost.
+TEST_P(FlowFailingHash, RestoringThatFailsInTheMiddleDeletesNothing) {
+    unsigned failed = 0;
+    for (uint32_t passes = 1; passes < 200; ++passes) {
+        SCOPED_TRACE(passes);
+        table().fail_with(GetParam(), passes);
+        const sdk_ret_t result = table().restore_state();
+        table().fail_no_more();
+        if (result == SDK_RET_OK) break;
+        ++failed;
+        ASSERT_EQ(result, GetParam());
+        ASSERT_TRUE(bed_.memories() == before_);
+        ASSERT_EQ(ftl_access::count(table()), 60u);
+        bed_.expect_exactly_the_flows(numbers_up_to(100));
+        if (HasFatalFailure()) return;
+    }
+    EXPECT_GT(failed, 20u);
+    EXPECT_EQ(table().restore_state(), SDK_RET_OK);
+    expect_nothing_was_changed();
+}
+
+// The same with a removal that was cut off behind any of its stores: what the failing restoring did
+// costs the next one no flow.
+TEST_P(FlowFailingHash, RestoringTornRowsThatFailsInTheMiddleLosesNoFlow) {
+    const auto flows = bed_.flows;
+    const std::vector<uint64_t> all = numbers_up_to(60);
+    unsigned cut = 0, failed = 0;
+    // Flows that others hang on, and leaves.
+    for (const uint64_t removed : {0u, 1u, 20u, 59u}) {
+        std::vector<memory_image> torn;
+        ftl_access::set_write_hook(table(),
+                                   [&](uint32_t, uint32_t) { torn.push_back(bed_.memories()); });
+        ASSERT_EQ(bed_.remove(removed), SDK_RET_OK);
+        ftl_access::set_write_hook(table(), {});
+        for (const memory_image &image : torn) {
+            ++cut;
+            for (uint32_t passes = 0;; passes += 3) {
+                SCOPED_TRACE(testing::Message()
+                             << "flow " << removed << ", cut " << cut << ", hashes " << passes);
+                bed_.put_memories(image);
+                table().fail_with(GetParam(), passes);
+                const sdk_ret_t result = table().restore_state();
+                table().fail_no_more();
+                ASSERT_TRUE(result == SDK_RET_OK || result == GetParam());
+                failed += result != SDK_RET_OK;
+                ASSERT_EQ(table().restore_state(), SDK_RET_OK);
+                bed_.flows = flows;
+                if (bed_.get(removed) != SDK_RET_OK) bed_.flows.erase(removed);
+                bed_.expect_exactly_the_flows(all);
+                if (HasFatalFailure()) return;
+                ASSERT_EQ(ftl_access::count(table()), bed_.flows.size());
+                if (result == SDK_RET_OK) break;
+            }
+        }
+        bed_.put_memories(before_);
+        ASSERT_EQ(table().restore_state(), SDK_RET_OK);
+        bed_.flows = flows;
+    }
+    EXPECT_GT(cut, 20u);
+    EXPECT_GT(failed, 100u);
+}
+
 INSTANTIATE_TEST_SUITE_P(Codes, FlowFailingHash, testing::ValuesIn(codes),
                          [](const auto &tested) { return "Code" + std::to_string(tested.param); });
+
+// The code by which the engine says that a call is still to be made is a result like any other
+// where it comes from a hash.
+TEST(FlowFailingHashRetry, ABatchPassesItOn) {
+    flow_bed bed({16, 256}, &make_table<table_of_failing_hashes>);
+    auto &table = static_cast<table_of_failing_hashes &>(bed.table());
+    for (const uint32_t passes : {0u, 1u, 33u}) {
+        SCOPED_TRACE(passes);
+        std::vector<kept_entry> entries;
+        std::vector<base_table_entry_t *> pointers;
+        for (uint64_t number = 0; number < 40; ++number) entries.push_back({entry_of(number, 99)});
+        for (kept_entry &kept : entries) pointers.push_back(&kept.entry);
+        std::vector<sdk_ret_t> expected(40, SDK_RET_RETRY);
+        std::fill_n(expected.begin(), passes, SDK_RET_OK);
+        for (const auto call :
+             {&ftl_access::insert_batch, &ftl_access::get_batch, &ftl_access::remove_batch}) {
+            std::vector<sdk_ret_t> results(40, SDK_RET_NO_RESOURCE);
+            table.fail_with(SDK_RET_RETRY, passes);
+            EXPECT_EQ(call(table, pointers, results), passes);
+            EXPECT_EQ(results, expected);
+        }
+        EXPECT_EQ(bed.memories(), memory_image());
+    }
+}
 
 }  // namespace
