@@ -36,7 +36,7 @@ inline void end_of_call() {
 // A packet's key is at hand when it is looked up, so nobody waits for one here: asks for the key
 // some calls ahead.
 inline void fetch_key(const std::vector<padded_key> &keys, size_t now) {
-    constexpr size_t ahead = 24;
+    constexpr size_t ahead = 64;
     if (now + ahead >= keys.size()) return;
     __builtin_prefetch(&keys[now + ahead]);
     __builtin_prefetch(&keys[now + ahead + 1]);

@@ -11,7 +11,7 @@ namespace halden::host::flow {
 namespace {
 
 // Entries between two steps of one: as many rows as a core can wait for at once.
-constexpr size_t distance = 12;
+constexpr size_t distance = 16;
 // Few flows stand further from their main row.
 constexpr unsigned steps = 2;
 constexpr size_t most_under_way = 64;
