@@ -38,8 +38,8 @@ inline void end_of_call() {
 inline void fetch_key(const std::vector<padded_key> &keys, size_t now) {
     constexpr size_t ahead = 64;
     if (now + ahead >= keys.size()) return;
-    __builtin_prefetch(&keys[now + ahead]);
-    __builtin_prefetch(&keys[now + ahead + 1]);
+    __builtin_prefetch(keys.data() + now + ahead);
+    __builtin_prefetch(keys.data() + now + ahead + 1);
 }
 
 using order = std::span<const uint32_t>;  // the number of each key

@@ -33,6 +33,8 @@ table_state::table_state(adapter &hardware)
       state_(new api::impl::tev_host_state{}),
       before_(api::impl::g_tev_impl_state.state) {
     state_->host[0] = &hardware;
+    // Inside another state of this adapter the mark is that one's.
+    if (before_ != nullptr && before_->host[0] == &hardware) mark_.clear();
     if (!mark_.empty()) begin_work();
     api::impl::g_tev_impl_state.state = state_.get();
 }

@@ -34,7 +34,10 @@ class restorer {
             bucket_ = at.row;
             way_.clear();
             const bool holds = repair(at);
-            if (failure_ != SDK_RET_OK) return failure_;
+            if (failure_ != SDK_RET_OK) {
+                of_.note_rows_in_use();
+                return failure_;
+            }
             if (!holds) make_empty(at);
         }
         for (rows::used_rows used(of_.rows_, flow_ohash_table); used.next(at);)

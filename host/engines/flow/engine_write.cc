@@ -48,9 +48,9 @@ sdk_ret_t engine::insert(base_table_entry_t *entry, uint32_t hash) {
 
 sdk_ret_t engine::update(base_table_entry_t *entry, uint32_t hash) {
     rows::prefetch(rows_.main(main_row(hash)));
-    stripe &shared = stripe_of(main_row(hash));
-    const std::lock_guard guard(shared);
     return with(entry, [&](auto caller, auto cursor, auto) {
+        stripe &shared = stripe_of(main_row(hash));
+        const std::lock_guard guard(shared);
         const walk way = find(cursor, caller, hash);
         if (!way.found) return SDK_RET_ENTRY_NOT_FOUND;
         rows::load(way.at, body_of(cursor));
@@ -70,12 +70,19 @@ sdk_ret_t engine::remove_as(E entry, E cursor, E other, uint32_t hash) {
     if (!leaf.found) return SDK_RET_ENTRY_NOT_FOUND;
     rows::load(leaf.at, body_of(cursor));
     const stripe_change change(shared);
-    if (cursor->find_last_hint() != 0) {
-        const place from = leaf.at;
+    for (const place from = leaf.at; cursor->find_last_hint() != 0;) {
         leaf = leaf_under(from, other);
         if (leaf.broken) return SDK_RET_ERR;
+        if (other->get_entry_valid() == 0) {
+            // Damaged memory: a hint to a row that somebody emptied. Whose it is is not known here.
+            unlink(leaf.parent, other, leaf.slot);
+            rows::load(from, body_of(cursor));
+            leaf.at = from;
+            continue;
+        }
         replace(from, cursor, other);
         std::swap(cursor, other);  // from here on the leaf is the row in hand
+        break;
     }
     if (leaf.at.is_main()) {
         empty(leaf.at, cursor);
@@ -84,7 +91,7 @@ sdk_ret_t engine::remove_as(E entry, E cursor, E other, uint32_t hash) {
     }
     unlink(leaf.parent, other, leaf.slot);
     empty(leaf.at, cursor);
-    free_.give_back(leaf.at.row);
+    if (leaf.at.row >= left_out_) free_.give_back(leaf.at.row);
     shared.count(0, -1);
     return SDK_RET_OK;
 }

@@ -6,6 +6,7 @@
 
 #include "host/engines/flow/spin_lock.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <mutex>
 
@@ -13,21 +14,25 @@ namespace halden::host::flow {
 
 class free_rows {
   public:
-    // `words` holds `depth` words, one for each row, and stays the caller's.
+    // `words` holds `depth` zeroed words, one for each row, and stays the caller's.
     void start(uint32_t *words, uint32_t depth) {
         words_ = words;
         depth_ = depth;
+        used_ = false;
         begin();
     }
 
     // All rows are free again, until mark() says otherwise. No other thread may be at work.
     void begin() {
-        for (uint32_t row = 0; row < depth_; ++row) words_[row] = 0;
+        if (used_) std::fill_n(words_, depth_, 0);  // else they are, and were never touched
         untouched_ = 1;
         returned_ = 0;
     }
     // A row that is in use already.
-    void mark(uint32_t row) { words_[row] |= in_use; }
+    void mark(uint32_t row) {
+        used_ = true;
+        words_[row] |= in_use;
+    }
     bool is_marked(uint32_t row) const { return (words_[row] & in_use) != 0; }
 
     // 0 when all rows are in use.
@@ -39,8 +44,11 @@ class free_rows {
         return 0;
     }
 
+    // Of damaged memory more rows may come back than there are.
     void give_back(uint32_t row) {
         const std::lock_guard guard(lock_);
+        if (returned_ + 1 >= depth_) return;
+        used_ = true;
         words_[returned_] = (words_[returned_] & in_use) | row;
         ++returned_;
     }
@@ -63,6 +71,7 @@ class free_rows {
     spin_lock lock_;
     uint32_t untouched_ = 1;
     uint32_t returned_ = 0;
+    bool used_ = false;  // a word is not zero
 };
 
 }  // namespace halden::host::flow

@@ -15,7 +15,7 @@ constexpr int none = -1;
 constexpr int gone = -2;  // the thread is ending: what still runs in it takes its turn
 
 std::atomic<uint32_t> taken = 0;
-std::recursive_mutex turns;  // a call on many entries holds its turn for the calls it is made of
+std::mutex turns;  // taken before any stripe
 
 // A plain number without a destructor, so that the usual access is one load.
 __attribute__((tls_model("initial-exec"))) constinit thread_local int mine = none;

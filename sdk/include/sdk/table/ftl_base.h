@@ -25,7 +25,8 @@ class __attribute__((visibility("default"))) ftl_base {
     static void destroy(ftl_base *table);
 
     // `params->entry` points at the caller's whole entry. insert and update read it, remove reads
-    // its key, get fills it.
+    // its key, get fills it. The record belongs to the call while it runs; afterwards its hash is
+    // what it was.
     sdk_ret_t insert(sdk_table_api_params_ *params);
     sdk_ret_t update(sdk_table_api_params_ *params);
     sdk_ret_t remove(sdk_table_api_params_ *params);
