@@ -28,7 +28,31 @@ struct batch {
     std::vector<sdk_ret_t> results;
 };
 
-// More entries than one group, some twice, a null pointer, and chains of every length.
+// Around every number of entries that can be under way at once.
+TEST(FlowBatch, OfEverySizeUpToAThousand) {
+    for (const uint64_t size : {0, 1, 2, 15, 16, 17, 31, 32, 33, 47, 48, 49, 63, 64, 65, 1000}) {
+        SCOPED_TRACE(size);
+        flow_bed bed({256, 1024});
+        batch in(numbers_up_to(size));
+        EXPECT_EQ(ftl_access::insert_batch(bed.table(), in.pointers, in.results), size);
+        for (uint64_t number = 0; number < size; ++number) {
+            ASSERT_EQ(in.results[number], 0u) << number;
+            bed.flows[number] = static_cast<uint32_t>(number + 1000);
+        }
+        bed.expect_exactly_the_flows(numbers_up_to(size + 5));
+        batch out(numbers_up_to(size));
+        EXPECT_EQ(ftl_access::get_batch(bed.table(), out.pointers, out.results), size);
+        batch gone(numbers_up_to(size));
+        EXPECT_EQ(ftl_access::remove_batch(bed.table(), gone.pointers, gone.results), size);
+        for (uint64_t number = 0; number < size; ++number) {
+            ASSERT_EQ(out.results[number], 0u) << number;
+            ASSERT_EQ(gone.results[number], 0u) << number;
+        }
+        EXPECT_EQ(ftl_access::count(bed.table()), 0u);
+    }
+}
+
+// More entries than are under way at once, some twice, a null pointer, and chains of every length.
 TEST(FlowBatch, EachEntryIsTreatedAsByACallOfItsOwn) {
     flow_bed bed({16, 128});
     std::vector<uint64_t> numbers = numbers_up_to(100);

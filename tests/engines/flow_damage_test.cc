@@ -11,6 +11,7 @@ namespace {
 
 using namespace halden;
 using namespace halden::test;
+namespace lay = flow_layout;
 
 struct circle {
     const char *name;
@@ -136,5 +137,58 @@ INSTANTIATE_TEST_SUITE_P(Damages, FlowCircle,
                                          circle{"ThreeRowsByOneSlot", {1, 5, 6}, 1, 1, false},
                                          circle{"ThreeRowsBySpill", {1, 5, 6}, 9, 9, false}),
                          [](const auto &tested) { return std::string(tested.param.name); });
+
+// Hints of many main rows to one row of the overflow, which can be emptied only once: the flows
+// still go one by one, and what came back to the free rows serves new flows.
+TEST(FlowDamage, ManyHintsToOneRow) {
+    flow_bed bed({64, 4});
+    std::vector<uint64_t> numbers;
+    for (uint64_t number = 0; bed.main_rows_in_use() < 32; ++number)
+        if (bed.insert(number, 1) == SDK_RET_OK) {
+            numbers.push_back(number);
+            if (bed.overflow_rows_in_use() == 0) continue;
+            ASSERT_EQ(bed.remove(number), SDK_RET_OK);
+            numbers.pop_back();
+        }
+    for (uint32_t row = 0; row < 64; ++row) {
+        uint8_t *memory = bed.hardware().hbm_rows(flow) + size_t{128} * row;
+        flow_hash_entry_t entry;
+        std::reverse_copy(memory, memory + 128, entry.body());
+        entry.set_hint_hash(1, 1, 0x155);
+        if (lay::get_bits<lay::entry_valid>(entry.body()) != 0)
+            std::reverse_copy(entry.body(), entry.body() + 128, memory);
+    }
+    for (const uint64_t number : numbers) {
+        EXPECT_EQ(bed.remove(number), SDK_RET_OK) << number;
+        EXPECT_EQ(bed.get(number), SDK_RET_ENTRY_NOT_FOUND) << number;
+    }
+    EXPECT_EQ(ftl_access::count(bed.table()), 0u);
+    for (const uint64_t number : numbers) EXPECT_EQ(bed.insert(number, 2), SDK_RET_OK) << number;
+    bed.expect_exactly_the_flows(numbers_up_to(200));
+}
+
+// Also not after a flow that stood there has gone.
+TEST(FlowDamage, RowsThatAreLeftOutServeNoNewFlow) {
+    flow_bed bed({1, 64});
+    for (uint64_t number = 0; number < 3; ++number) ASSERT_EQ(bed.insert(number, 1), SDK_RET_OK);
+    EXPECT_EQ(bed.overflow_rows_in_use(), 2u);
+    const auto in_rows_below = [&](uint32_t end) {
+        unsigned count = 0;
+        ftl_access::for_each(bed.table(), [&](const ftl_access::stored_flow &stored) {
+            count += stored.table == flow_ohash && stored.row < end;
+            return true;
+        });
+        return count;
+    };
+    ftl_access::leave_out_overflow_rows(bed.table(), 32);
+    ASSERT_EQ(bed.remove(2), SDK_RET_OK);
+    EXPECT_EQ(in_rows_below(32), 1u);
+    for (uint64_t number = 3; number < 8; ++number) ASSERT_EQ(bed.insert(number, 1), SDK_RET_OK);
+    EXPECT_EQ(in_rows_below(32), 1u);
+    ASSERT_EQ(bed.table().restore_state(), SDK_RET_OK);
+    for (uint64_t number = 8; number < 12; ++number) ASSERT_EQ(bed.insert(number, 1), SDK_RET_OK);
+    EXPECT_EQ(in_rows_below(32), 1u);
+    bed.expect_exactly_the_flows(numbers_up_to(20));
+}
 
 }  // namespace
