@@ -30,7 +30,8 @@ struct batch {
 
 // Around every number of entries that can be under way at once.
 TEST(FlowBatch, OfEverySizeUpToAThousand) {
-    for (const uint64_t size : {0, 1, 2, 15, 16, 17, 31, 32, 33, 47, 48, 49, 63, 64, 65, 1000}) {
+    for (const uint64_t size :
+         {0u, 1u, 2u, 15u, 16u, 17u, 31u, 32u, 33u, 47u, 48u, 49u, 63u, 64u, 65u, 1000u}) {
         SCOPED_TRACE(size);
         flow_bed bed({256, 1024});
         batch in(numbers_up_to(size));
