@@ -1,4 +1,4 @@
-# halden_test(name SOURCES a.cc ... [LIBS target ...] [LABELS label ...] [TIMEOUT seconds])
+# halden_test(name SOURCES a.cc ... [LIBS target ...] [LABELS label ...])
 #
 # A GoogleTest program with a main of its own: the library exports one too, which would answer for
 # any program that has none. The main fails a run in which no test was executed.
@@ -42,7 +42,7 @@ endfunction()
 # The target tsan_tests builds those labelled tsan alone.
 add_custom_target(tsan_tests)
 function(halden_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
   add_executable(${name} $<TARGET_OBJECTS:halden_test_main> ${ARG_SOURCES})
   halden_test_flags(${name})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS})
@@ -51,13 +51,10 @@ function(halden_test name)
       set_source_files_properties(${source} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
     endif()
   endforeach()
-  # Far above what a test needs: a slow machine must not fail it, a program that hangs must.
-  if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 900)
-  endif()
   if("tsan" IN_LIST ARG_LABELS)
     add_dependencies(tsan_tests ${name})
   endif()
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+  # The limit is far above what a test needs: it is for programs that hang.
+  set_tests_properties(${name} PROPERTIES TIMEOUT 900 LABELS "${ARG_LABELS}")
 endfunction()

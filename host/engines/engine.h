@@ -101,7 +101,7 @@ class table_rows {
     p4pd_table_properties_t properties_ = {};
 };
 
-// Whether the adapter is told to refuse the memory of a new engine.
+// Whether the adapter is told to refuse an engine its memory.
 bool memory_is_refused(uint32_t table);
 
 // The end of every factory: gives a new engine, null when there was no memory for it, its `parts`.

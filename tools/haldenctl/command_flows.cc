@@ -25,18 +25,19 @@ namespace {
 
 struct listed_flow : stored_flow {
     uint32_t path = 0;  // rows in front of it in its bucket
+    std::string name;
 };
 
 std::vector<listed_flow> matching(flow_store &store, const flow_filter &filter) {
     std::vector<listed_flow> out;
     store.for_each([&](const stored_flow &f, uint32_t path) {
-        if (filter.matches(f.flow)) out.push_back({f, path});
+        if (filter.matches(f.flow)) out.push_back({f, path, packets::key_text(f.key)});
     });
     return out;
 }
 
 json json_of(const listed_flow &f) {
-    return {{"flow", packets::key_text(f.key)},
+    return {{"flow", f.name},
             {"flow_idx", f.index},
             {"packets", f.counts.packets},
             {"bytes", f.counts.bytes},
@@ -61,9 +62,9 @@ void list(const options &given, const list_options &wanted) {
     const auto amount = [&](const stored_flow &f) {
         return wanted.by == "packets" ? f.counts.packets : f.counts.bytes;
     };
-    std::stable_sort(flows.begin(), flows.end(), [&](const stored_flow &a, const stored_flow &b) {
+    std::stable_sort(flows.begin(), flows.end(), [&](const listed_flow &a, const listed_flow &b) {
         if (amount(a) != amount(b)) return amount(a) > amount(b);
-        return packets::key_text(a.key) < packets::key_text(b.key);
+        return a.name < b.name;
     });
     const size_t all = flows.size();
     if (wanted.top != 0 && flows.size() > wanted.top) flows.resize(wanted.top);
@@ -74,9 +75,9 @@ void list(const options &given, const list_options &wanted) {
         return;
     }
     columns shown({">PACKETS", ">BYTES", ">FLOW_IDX", "FLOW"});
-    for (const stored_flow &f : flows)
+    for (const listed_flow &f : flows)
         shown.row({std::to_string(f.counts.packets), std::to_string(f.counts.bytes),
-                   std::to_string(f.index), packets::key_text(f.key)});
+                   std::to_string(f.index), f.name});
     if (!flows.empty()) std::cout << shown.text();
     std::cout << counted(all, "flow", "flows")
               << (all > flows.size() ? ", " + std::to_string(flows.size()) + " shown" : "") << "\n";
@@ -119,10 +120,10 @@ void remove(const options &given, const flow_filter_options &wanted, bool all) {
     if (flows.empty() && left_over == 0)
         throw failure("no flow matches; `haldenctl flows list` shows them");
     named_flows refused, data_left;
-    for (const stored_flow &f : flows) {
+    for (const listed_flow &f : flows) {
         const remove_result result = store.remove(f);
-        if (result == remove_result::refused) refused.add(packets::key_text(f.key));
-        if (result == remove_result::data_left) data_left.add(packets::key_text(f.key));
+        if (result == remove_result::refused) refused.add(f.name);
+        if (result == remove_result::data_left) data_left.add(f.name);
     }
     std::cout << counted(flows.size() - refused.count(), "flow", "flows") << " deleted";
     if (left_over != 0)

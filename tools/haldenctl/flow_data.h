@@ -13,12 +13,13 @@
 #include <optional>
 
 #include "host/adapter.h"
+#include "p4pd_records.h"
 #include "tev_tbl.h"
 
 namespace halden::tool {
 
-inline constexpr uint32_t flow_info_table = 21;
-inline constexpr uint32_t ipfix_ingress_table = 35;
+inline constexpr uint32_t flow_info_table = P4TBL_ID_FLOW_INFO;
+inline constexpr uint32_t ipfix_ingress_table = P4TBL_ID_IPFIX_INGRESS;
 
 struct flow_counts {
     uint64_t packets = 0;

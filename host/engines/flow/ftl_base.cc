@@ -30,9 +30,7 @@ sdk_ret_t call(engine *made, sdk_table_api_params_ *params) {
 }  // namespace
 
 void *ftl_base::ftl_calloc(uint32_t module, unsigned long size, bool huge) {
-    using halden::host::asic_call;
-    if (halden::host::current().faults().meet(asic_call::allocate, module, 0) != SDK_RET_OK)
-        return nullptr;
+    if (halden::host::memory_is_refused(module)) return nullptr;
     if (!huge) return std::calloc(1, size);
     void *memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) return nullptr;
