@@ -1,6 +1,8 @@
 #include "host/adapter.h"
 
 #include "host/memory/directory.h"
+#include "host/memory/flow_rows.h"
+#include "host/memory/row_store.h"
 #include "host/trace/trace.h"
 
 #include <unistd.h>

@@ -21,9 +21,7 @@
 // Threads: all functions may run at once; writes to one row are serialised by the caller.
 
 #include "host/faults/faults.h"
-#include "host/memory/flow_rows.h"
 #include "host/memory/memory_map.h"
-#include "host/memory/row_store.h"
 #include "sdk/table/types.h"
 
 #include <array>
@@ -36,6 +34,9 @@
 #include <string_view>
 
 namespace halden::host {
+
+class flow_rows;
+class row_store;
 
 // One row before and after a write. For SRAM, `table` is the owner of the memory and `row` its row:
 // a write through an overflow table is seen in the hash table's window. TCAM images are the key (x)

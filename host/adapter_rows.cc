@@ -2,6 +2,8 @@
 
 #include "host/adapter.h"
 #include "host/bits/bit_runs.h"
+#include "host/memory/flow_rows.h"
+#include "host/memory/row_store.h"
 #include "host/trace/trace.h"
 
 #include <algorithm>

@@ -8,6 +8,7 @@
 // an engine made on an adapter that was filled by an earlier process goes on where that ended.
 
 #include "host/adapter.h"
+#include "host/engines/access.h"
 #include "sdk/p4pd_global.h"
 #include "sdk/table/types.h"
 
@@ -19,32 +20,6 @@
 #include <span>
 
 namespace halden::host {
-
-struct engine_statistics {
-    uint32_t rows = 0;
-    uint32_t used = 0;
-    uint32_t overflow_rows = 0;  // hash tables only
-    uint32_t overflow_used = 0;
-
-    // Calls that went through, and those that did not (an absent entry is no failure).
-    uint64_t inserts = 0;
-    uint64_t updates = 0;
-    uint64_t removes = 0;
-    uint64_t lookups = 0;
-    uint64_t failures = 0;
-    uint64_t collisions = 0;  // hash: inserts whose row was taken
-    uint64_t moves = 0;       // ternary: entries moved to make room
-};
-
-// One entry as software sees it. The spans live as long as the call they are passed to.
-struct stored_entry {
-    uint32_t table;  // that holds it: the engine's own, or its overflow
-    uint32_t row;
-    std::span<const uint8_t> key;   // empty for index tables
-    std::span<const uint8_t> mask;  // empty for tables without a TCAM
-    std::span<const uint8_t> data;  // action-data record
-};
-using entry_visitor = std::function<void(const stored_entry &)>;
 
 // Room for any record, or for any key image of an SRAM table.
 inline constexpr size_t record_room = 128;

@@ -9,15 +9,12 @@
 #include "host/memory/memory_map.h"
 #include "host/memory/region.h"
 
-#include <array>
 #include <string>
 
 namespace halden::host {
 
 inline constexpr uint16_t flow_row_bits = flow_row_bytes * 8;
 inline constexpr uint32_t flow_valid_bit = 932;
-
-using flow_image = std::array<uint8_t, flow_row_bytes>;
 
 class flow_rows {
   public:

@@ -14,6 +14,7 @@
 // An overflow table has no SRAM of its own: its row r is row overflow_base + r of the hash table
 // that it belongs to.
 
+#include <array>
 #include <cstdint>
 #include <span>
 
@@ -32,6 +33,14 @@ inline constexpr uint32_t flow_table = 2;
 inline constexpr uint32_t row_bytes = 64;
 inline constexpr uint32_t tcam_image_bytes = row_bytes / 2;
 inline constexpr uint32_t flow_row_bytes = 128;
+
+// Whole rows.
+using row_image = std::array<uint8_t, row_bytes>;
+using flow_image = std::array<uint8_t, flow_row_bytes>;
+
+// How anonymous memory is paged. Huge pages make random accesses to a full table faster, and cost
+// 2 MiB for the first row of each; where the system has none, the small ones serve.
+enum class paging : uint8_t { small, huge };
 
 // A flow key's image, and its place in a row: bytes 0 to 58 and 68 to 83. The data in front of the
 // key's rest stands between.

@@ -3,15 +3,13 @@
 // One memory of one table: a sparse file mapped shared, either anonymous or in a directory. Pages
 // that were never touched cost nothing, and the kernel keeps what was stored when the process dies.
 
+#include "host/memory/memory_map.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
 
 namespace halden::host {
-
-// How anonymous memory is paged. Huge pages make random accesses to a full table faster, and cost
-// 2 MiB for the first row of each; where the system has none, the small ones serve.
-enum class paging : uint8_t { small, huge };
 
 class region {
   public:

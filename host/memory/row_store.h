@@ -17,12 +17,9 @@
 #include "host/memory/memory_map.h"
 #include "host/memory/region.h"
 
-#include <array>
 #include <string>
 
 namespace halden::host {
-
-using row_image = std::array<uint8_t, row_bytes>;
 
 class row_store {
   public:

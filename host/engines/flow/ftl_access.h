@@ -9,7 +9,7 @@
 //         ...
 //     });
 
-#include "host/engines/flow/rows.h"
+#include "host/memory/memory_map.h"
 #include "sdk/table/ftl_base.h"
 
 #include <array>
@@ -19,6 +19,10 @@
 #include <vector>
 
 namespace halden::host::flow {
+
+// Called behind every word that the engine stores in a row, from the storing thread, in the middle
+// of the operation: it may look at the memories, and must not call the engine.
+using write_hook = std::function<void(uint32_t table, uint32_t row)>;
 
 // Where each flow stands, and how far a look-up walks to it.
 struct flow_statistics {

@@ -7,6 +7,7 @@
 // sees a new word also sees everything the engine stored before it.
 
 #include "host/adapter.h"
+#include "host/engines/flow/ftl_access.h"
 #include "sdk/base_table_entry.h"
 
 #include <algorithm>
@@ -14,7 +15,6 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 #include <utility>
 
 namespace halden::host::flow {
@@ -38,10 +38,6 @@ struct place {
 
     bool is_main() const { return table == flow_table; }
 };
-
-// Called behind every word that the engine stores in a row, from the storing thread, in the middle
-// of the operation: it may look at the memories, and must not call the engine.
-using write_hook = std::function<void(uint32_t table, uint32_t row)>;
 
 // The body stands behind the base class's valid word.
 inline uint8_t *body_of(base_table_entry_t *entry) {
