@@ -30,11 +30,20 @@ struct slhash::impl {
         for (uint32_t row = overflow.rows(); row-- > 0;) {
             ternary_key images;
             const sdk_ret_t found = overflow.images_at(row, images);
-            if (found == SDK_RET_OK)
-                overflowed.emplace(images.ones, row);
-            else
+            if (found != SDK_RET_OK)
                 free_rows.push_back(row);
+            else if (compares_whole_key(images))
+                overflowed.insert_or_assign(images.ones, row);
+            else
+                ++masked_rows;
         }
+    }
+
+    // Somebody may have written rows whose masks leave out bits of the key. They are no entries of
+    // the table, whatever their ones are the key of.
+    bool compares_whole_key(const ternary_key &images) const {
+        const record_bytes nothing = {};
+        return images.specificity() == overflow.images_of(nothing.data(), nullptr).specificity();
     }
 
     struct place {
@@ -87,6 +96,7 @@ struct slhash::impl {
     mutable std::shared_mutex mutex;
     std::map<record_bytes, uint32_t> overflowed;  // key image to TCAM row
     std::vector<uint32_t> free_rows;              // of the TCAM; the last is taken first
+    uint32_t masked_rows = 0;                     // of the TCAM, and no entries
     static constexpr uint32_t none = UINT32_MAX;
     // A free row that hardware matches. Nothing is changed before it is gone.
     uint32_t left_behind = none;
@@ -207,7 +217,7 @@ engine_statistics slhash_access::statistics(const slhash &table) {
     out.rows = in.main.rows();
     out.used = in.main.count_used();
     out.overflow_rows = in.overflow.rows();
-    out.overflow_used = static_cast<uint32_t>(in.overflowed.size());
+    out.overflow_used = static_cast<uint32_t>(in.overflowed.size()) + in.masked_rows;
     return out;
 }
 

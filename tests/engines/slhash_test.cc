@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/view/row_hash.h"
+#include "p4pd.h"
 #include "tests/engines/table_bed.h"
 #include "tev_tbl.h"
 
@@ -251,6 +252,33 @@ TEST_P(Slhash, EntriesOutliveTheProcess) {
         EXPECT_FALSE(look_up(packet_of(entry.key)).hit);
     }
     EXPECT_EQ(statistics().overflow_used, 0u);
+}
+
+// Somebody wrote an overflow row that compares a part of the key alone. It is no entry: not that of
+// the key whose bits it compares, and no place for another.
+TEST_P(Slhash, AnOverflowRowThatLeavesBitsOutIsNoEntry) {
+    const scratch_directory directory;
+    open(directory.path());
+    bytes key(t().key_bytes), mask(t().key_bytes);
+    key[0] = mask[0] = 1;
+    bytes row = data_of_number(1);
+    ASSERT_EQ(p4pd_entry_install(overflow_id(), 0, key.data(), mask.data(), row.data()), 0);
+    open(directory.path());
+    EXPECT_EQ(statistics().overflow_used, 1u);
+    EXPECT_EQ(t().find(key.data()), 4u);
+    EXPECT_EQ(update(key, data_of_number(2)), 9u);
+    EXPECT_EQ(t().remove(key.data()), 9u);
+    ASSERT_EQ(look_up(packet_of(key)).table, overflow_id()) << "it is there as before";
+
+    ASSERT_EQ(create(key, data_of_number(3)), 0u);
+    expect_reads(key, data_of_number(3));
+    ASSERT_EQ(t().remove(key.data()), 0u);
+    stored first, second;
+    collide(first, second);
+    expect_reads(second.key, second.data);
+    const auto hit = look_up(packet_of(key));
+    EXPECT_EQ(hit.table, overflow_id());
+    EXPECT_EQ(hit.row, 0u);
 }
 
 // Tables whose last key field has 12 bits: what the record holds above them makes no other key.

@@ -29,6 +29,28 @@ class Sltcam : public TableBed {
     }
     host::engine_statistics statistics() { return sdk::table::sltcam_access::statistics(engine()); }
 
+    // One call of the engine itself; an empty mask is none, empty data is taken and not looked at.
+    using engine_call = sdk_ret_t (sdk::table::sltcam::*)(sdk::table::sdk_table_api_params_ *);
+    sdk_ret_t call(engine_call which, bytes key, bytes mask, bytes data = {}) {
+        data.resize(1 + t().data_bytes);
+        sdk::table::sdk_table_api_params_t params = {};
+        params.key = key.data();
+        params.mask = mask.empty() ? nullptr : mask.data();
+        params.data = data.data();
+        return (const_cast<sdk::table::sltcam &>(engine()).*which)(&params);
+    }
+    void expect_holds(bytes key, bytes mask, const bytes &data) {
+        const stored wanted = make(key, mask, data);
+        bytes found(1 + t().data_bytes);
+        sdk::table::sdk_table_api_params_t params = {};
+        params.key = key.data();
+        params.mask = mask.data();
+        params.data = found.data();
+        ASSERT_EQ(const_cast<sdk::table::sltcam &>(engine()).get(&params), SDK_RET_OK);
+        EXPECT_EQ(make(key, mask, found).image, wanted.image);
+        EXPECT_TRUE(is_in_tcam(wanted));
+    }
+
     stored make(const bytes &key, const bytes &mask, const bytes &data) const {
         stored out{key, mask, data, {}, {}, 0, {}};
         const auto images = reference::build_key(
@@ -324,6 +346,50 @@ TEST_P(Sltcam, AnEntryMadeWithAMaskIsFoundByItsKeyAlone) {
     EXPECT_TRUE(hardware_finds(key, data));
     EXPECT_FALSE(look_up(packet_of(other)).hit) << "every bit is compared";
     EXPECT_EQ(t().find(other.data()), 4u);
+}
+
+// The engine called directly: with a mask exactly the entry of that key and mask is meant, without
+// one the most specific entry that was made with the key.
+TEST_P(Sltcam, WithAMaskTheEntryOfThatVeryMaskIsMeant) {
+    const bytes ones(t().key_bytes, 0xff), any(t().key_bytes, 0);
+    bytes key(t().key_bytes, 1), some = ones;
+    some[0] = 0;
+    const bytes of_ones = data_of_number(1), of_some = data_of_number(2),
+                of_any = data_of_number(3);
+    ASSERT_EQ(create(key, of_some, some), 0u);
+
+    EXPECT_EQ(call(&sdk::table::sltcam::get, key, ones), SDK_RET_ENTRY_NOT_FOUND);
+    EXPECT_EQ(call(&sdk::table::sltcam::update, key, ones, of_ones), SDK_RET_ENTRY_NOT_FOUND);
+    EXPECT_EQ(call(&sdk::table::sltcam::remove, key, any), SDK_RET_ENTRY_NOT_FOUND);
+    expect_reads(key, of_some);
+
+    ASSERT_EQ(create(key, of_any, any), 0u);
+    ASSERT_EQ(create(key, of_ones, ones), 0u);
+    EXPECT_EQ(statistics().used, 3u);
+    expect_holds(key, ones, of_ones);
+    expect_holds(key, some, of_some);
+    expect_holds(key, any, of_any);
+
+    const bytes later = data_of_number(4);
+    EXPECT_EQ(call(&sdk::table::sltcam::update, key, some, later), SDK_RET_OK);
+    expect_holds(key, ones, of_ones);
+    expect_holds(key, some, later);
+    expect_holds(key, any, of_any);
+
+    // What the mask leaves out is no part of the key.
+    key[0] = 0;
+    expect_holds(key, some, later);
+    EXPECT_EQ(call(&sdk::table::sltcam::get, key, ones), SDK_RET_ENTRY_NOT_FOUND);
+    EXPECT_EQ(call(&sdk::table::sltcam::remove, key, some), SDK_RET_OK);
+    key[0] = 1;
+    EXPECT_EQ(call(&sdk::table::sltcam::get, key, some), SDK_RET_ENTRY_NOT_FOUND);
+    expect_holds(key, any, of_any);
+    expect_reads(key, of_ones);
+    EXPECT_EQ(call(&sdk::table::sltcam::remove, key, {}), SDK_RET_OK);
+    EXPECT_EQ(call(&sdk::table::sltcam::get, key, ones), SDK_RET_ENTRY_NOT_FOUND);
+    EXPECT_EQ(call(&sdk::table::sltcam::remove, key, {}), SDK_RET_OK) << "made with the same key";
+    EXPECT_EQ(call(&sdk::table::sltcam::remove, key, {}), SDK_RET_ENTRY_NOT_FOUND);
+    EXPECT_EQ(statistics().used, 0u);
 }
 
 // Each write of a create into a nearly full table is refused in turn, those of its moves included.

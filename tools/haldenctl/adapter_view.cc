@@ -123,7 +123,13 @@ std::optional<found_row> row_of(host::adapter &adapter, records &wanted) {
         const key_images images = images_of(wanted);
         const auto found = host::view::lookup(adapter, t.id, images.key.data());
         if (!found.hit) return std::nullopt;
-        return found_row{find_table(found.table), found.row};
+        const table &hit = *find_table(found.table);
+        // A row of the overflow whose mask leaves bits out hides those of whole keys.
+        if (hit.kind != kind::overflow_tcam) return found_row{&hit, found.row};
+        records whole(hit);
+        for (size_t n = 0; n < t.key.size(); ++n)
+            whole.set_key(n, wanted.key_value(n), all_ones(t.key[n].bits));
+        return row_of(adapter, whole);
     }
     for (uint32_t row = adapter.next_used(t.id, 0); row < adapter.depth(t.id);
          row = adapter.next_used(t.id, row + 1)) {

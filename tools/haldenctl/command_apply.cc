@@ -4,7 +4,7 @@
 
 #include <chrono>
 #include <iostream>
-#include <map>
+#include <unordered_map>
 
 #include "p4gen/halden/pipeline/words.h"
 #include "tools/haldenctl/commands.h"
@@ -37,10 +37,19 @@ std::string name_of(const file_entry &given, uint32_t index) {
            (is_keyed(t.kind) ? key_line(given.entry) : "index " + std::to_string(index));
 }
 
+// Equal for two entries that cannot both be there: of one key as hardware compares it, or one row.
+std::string identity_of(records &entry, uint32_t index) {
+    std::string out = std::to_string(entry.of->id) + ":";
+    if (!is_keyed(entry.of->kind)) return out + std::to_string(index);
+    const key_images images = images_of(entry);
+    out.append(images.key.begin(), images.key.end());
+    return out.append(images.mask.begin(), images.mask.end());
+}
+
 // All entries that can be seen to be wrong are found here, before the first write.
 std::vector<planned> plan(host::adapter &adapter, std::vector<file_entry> &entries) {
     std::vector<planned> out;
-    std::map<std::string, const file_entry *> seen;
+    std::unordered_map<std::string, const file_entry *> seen;
     for (file_entry &given : entries) {
         const table &t = *given.entry.of;
         try {
@@ -53,7 +62,7 @@ std::vector<planned> plan(host::adapter &adapter, std::vector<file_entry> &entri
                 index = given.index.value_or(0);
                 check_row(adapter, t, index);
             }
-            const auto [other, fresh] = seen.insert({name_of(given, index), &given});
+            const auto [other, fresh] = seen.insert({identity_of(given.entry, index), &given});
             if (!fresh)
                 throw failure("its " + std::string(is_keyed(t.kind) ? "key" : "index") +
                               " is also that of " +

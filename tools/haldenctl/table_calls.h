@@ -32,7 +32,8 @@ bool has_engine(const pipeline::table &t);
 // Throws failure for tables without, with what to use instead.
 void check_engine(const pipeline::table &t);
 
-// One call each. `index` is an index table's row and not looked at for others.
+// One call each. `index` is an index table's row and not looked at for others. In a ternary table
+// the entry is the one with this very key and mask.
 tev_tbl_ret_t create_entry(const records &entry, uint32_t index);
 tev_tbl_ret_t update_entry(const records &entry, uint32_t index);
 tev_tbl_ret_t delete_entry(const records &entry, uint32_t index);
