@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <new>
 
+#include "host/adapter.h"
 #include "host/engines/access.h"
 #include "host/trace/trace.h"
 
