@@ -6,6 +6,7 @@
 // TCAMs as the compiler interleaved them, the index tables, the keyless tables.
 
 #include <array>
+#include <span>
 
 #include "p4gen/halden/pipeline/hash_tables.h"
 #include "p4gen/halden/pipeline/interface_tables.h"
@@ -80,19 +81,20 @@ constexpr const table *find_table(uint32_t id) {
     return id - first_table < table_count ? tables[id - first_table] : nullptr;
 }
 
-consteval bool well_formed_pipeline() {
-    for (uint32_t i = 0; i < table_count; ++i) {
-        if (tables[i]->id != first_table + i) bad_description("table ids are not in order");
-        if (!well_formed(*tables[i])) return false;
-        if (tables[i]->owner != 0) {
-            const table &owner = *tables[tables[i]->owner - first_table];
-            if (owner.kind != kind::hash_sram || owner.key_bits != tables[i]->key_bits ||
-                owner.data_bits != tables[i]->data_bits)
+consteval bool well_formed_pipeline(std::span<const table *const> all) {
+    for (uint32_t i = 0; i < all.size(); ++i) {
+        const table &t = *all[i];
+        if (t.id != first_table + i) bad_description("table ids are not in order");
+        if (!well_formed(t)) return false;
+        if (t.owner != 0) {
+            const table &owner = *all[t.owner - first_table];
+            if (owner.kind != kind::hash_sram || owner.key_bits != t.key_bits ||
+                owner.data_bits != t.data_bits)
                 bad_description("an overflow table is not laid out like its owner");
         }
     }
     return true;
 }
-static_assert(well_formed_pipeline());
+static_assert(well_formed_pipeline(tables));
 
 }  // namespace halden::pipeline
