@@ -19,8 +19,8 @@ namespace {
 std::unique_ptr<host::adapter> opened(const std::string &directory) {
     try {
         return directory.empty() ? host::adapter::anonymous() : host::adapter::open(directory);
-    } catch (const std::exception &error) {
-        throw failure(error.what());
+    } catch (const std::runtime_error &error) {
+        throw failure(error.what(), exit_status::adapter);
     }
 }
 

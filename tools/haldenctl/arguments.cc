@@ -142,9 +142,7 @@ failure no_field(const table &t, std::span<const field> data, const std::string 
     return failure(unknown("field", name, names));
 }
 
-}  // namespace
-
-void set_key_fields(records &entry, const std::vector<std::string> &given) {
+void set_fields(records &entry, const std::vector<std::string> &given) {
     once see;
     for (const std::string &argument : given) {
         auto [name, value] = split(*entry.of, argument);
@@ -155,7 +153,7 @@ void set_key_fields(records &entry, const std::vector<std::string> &given) {
     }
 }
 
-uint32_t index_from_arguments(const table &t, const std::vector<std::string> &given) {
+uint32_t index_of(const table &t, const std::vector<std::string> &given) {
     index_values values(t);
     once see;
     for (const std::string &argument : given) {
@@ -166,7 +164,7 @@ uint32_t index_from_arguments(const table &t, const std::vector<std::string> &gi
     return values.row().value_or(0);
 }
 
-given_entry entry_from_arguments(const table &t, const std::vector<std::string> &given) {
+given_entry entry_of(const table &t, const std::vector<std::string> &given) {
     given_entry out(t);
     std::vector<assignment> fields;
     bool action_given = false;
@@ -205,6 +203,24 @@ given_entry entry_from_arguments(const table &t, const std::vector<std::string> 
     }
     out.index = index.row();
     return out;
+}
+
+}  // namespace
+
+const table &table_argument(const std::string &given) {
+    return typed([&]() -> const table & { return table_named(given); });
+}
+
+void set_key_fields(records &entry, const std::vector<std::string> &given) {
+    typed([&] { set_fields(entry, given); });
+}
+
+uint32_t index_from_arguments(const table &t, const std::vector<std::string> &given) {
+    return typed([&] { return index_of(t, given); });
+}
+
+given_entry entry_from_arguments(const table &t, const std::vector<std::string> &given) {
+    return typed([&] { return entry_of(t, given); });
 }
 
 }  // namespace halden::tool

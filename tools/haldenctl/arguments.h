@@ -1,8 +1,9 @@
 #pragma once
 
-// Fields as FIELD=VALUE arguments of the command line. The last part of a name is enough where it
-// is only one field's ("sip" for metadata_flow_key_sip); "key." and "data." in front say which
-// field is meant where the key and the data have one of that name. All throw failure.
+// Tables, and fields as FIELD=VALUE, from the command line. The last part of a name is enough where
+// it is only one field's ("sip" for metadata_flow_key_sip); "key." and "data." in front say which
+// field is meant where the key and the data have one of that name. All throw
+// failure, of usage.
 
 #include <optional>
 #include <string>
@@ -11,6 +12,9 @@
 #include "tools/haldenctl/record.h"
 
 namespace halden::tool {
+
+// A table by its name or id.
+const pipeline::table &table_argument(const std::string &given);
 
 // Key fields into `entry`. A field that is not given keeps its value.
 void set_key_fields(records &entry, const std::vector<std::string> &given);

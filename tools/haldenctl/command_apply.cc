@@ -101,8 +101,8 @@ step step_for(const planned &p) {
     if (find_entry(now, p.index) != TEV_TBL_RET_OK)
         return {step::what::create, data_line(p.given->entry)};
     if (const tev_tbl_ret_t result = read_entry(now, p.index); result != TEV_TBL_RET_OK)
-        throw failure(p.given->place + ": it cannot be read (result " + tool::name_of(result) +
-                      ")");
+        throw failure(p.given->place + ": it cannot be read (result " + tool::name_of(result) + ")",
+                      exit_status::adapter);
     const std::string changes = difference(now, p.given->entry);
     return {changes.empty() ? step::what::nothing : step::what::update, changes};
 }
@@ -182,8 +182,10 @@ void apply(opened_tables &tables, const apply_options &wanted) {
             }
             if (result != TEV_TBL_RET_OK)
                 throw failure(p.given->place + ": " +
-                              (s.work == step::what::create ? "create" : "update") + ": result " +
-                              tool::name_of(result) + "; " + applied_so_far(done, work.size()));
+                                  (s.work == step::what::create ? "create" : "update") +
+                                  ": result " + tool::name_of(result) + "; " +
+                                  applied_so_far(done, work.size()),
+                              exit_status::adapter);
             ++done;
             shown.at(done);
             if (wanted.quiet) continue;
@@ -194,6 +196,7 @@ void apply(opened_tables &tables, const apply_options &wanted) {
     }
     std::cout << count.text(wanted.dry) << (wanted.dry ? "; nothing was changed in " : " in ")
               << tables.adapter().name() << "\n";
+    if (wanted.dry && count.created + count.updated != 0) throw missed();
 }
 
 }  // namespace
@@ -204,7 +207,8 @@ void add_apply(CLI::App &app, const options &given) {
     command->footer(
         "The file is that of `write`; the engines choose the rows of keyed tables, whatever\n"
         "\"index\" says. It is checked whole first, and applied entry by entry up to the first\n"
-        "that is refused.");
+        "that is refused. A dry run that finds something to create or to update ends with status "
+        "1.");
     auto wanted = std::make_shared<apply_options>();
     command->add_option("FILE", wanted->path, "The entries; - is standard input")->required();
     command->add_flag("-n,--dry-run", wanted->dry, "Show what would change, and change nothing");

@@ -4,11 +4,12 @@
 
 #include "p4pd.h"
 #include "sdk/asic/pd.h"
+#include "tools/haldenctl/arguments.h"
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/drawing.h"
 #include "tools/haldenctl/entry_file.h"
 #include "tools/haldenctl/entry_text.h"
-#include "tools/haldenctl/naming.h"
+#include "tools/haldenctl/failure.h"
 #include "tools/haldenctl/raw_entry.h"
 #include "tools/haldenctl/screen.h"
 
@@ -121,9 +122,9 @@ void explain(const table &t, const raw_entry &raw) {
 
 template <class Work>
 void on_table(const raw_options &wanted, Work work) {
-    const table &t = table_named(wanted.table);
+    const table &t = table_argument(wanted.table);
     try {
-        work(t, raw_of(t, wanted));
+        work(t, typed([&] { return raw_of(t, wanted); }));
     } catch (const failure &error) {
         throw error.inside(std::string(t.name));
     }

@@ -6,9 +6,9 @@
 #include "p4gen/halden/pipeline/names.h"
 #include "p4gen/halden/pipeline/words.h"
 #include "tools/haldenctl/adapter_view.h"
+#include "tools/haldenctl/arguments.h"
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/drawing.h"
-#include "tools/haldenctl/naming.h"
 #include "tools/haldenctl/screen.h"
 
 namespace halden::tool {
@@ -95,7 +95,7 @@ void add_describe(CLI::App &app, const options &given) {
     auto name = std::make_shared<std::string>();
     command->add_option("TABLE", *name, "Name or id")->required();
     command->callback([&given, name] {
-        const table &t = table_named(*name);
+        const table &t = table_argument(*name);
         describe(opened_adapter(given), t);
     });
 }

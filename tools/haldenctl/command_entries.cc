@@ -7,7 +7,6 @@
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/entry_text.h"
 #include "tools/haldenctl/failure.h"
-#include "tools/haldenctl/naming.h"
 #include "tools/haldenctl/screen.h"
 #include "tools/haldenctl/table_calls.h"
 
@@ -23,9 +22,10 @@ uint32_t row_given(host::adapter &adapter, const table &t, std::optional<uint32_
     if (!index) {
         if (adapter.depth(t.id) == 1) return 0;
         throw failure("no index is given; allowed: index=0 to index=" +
-                      std::to_string(adapter.depth(t.id) - 1));
+                          std::to_string(adapter.depth(t.id) - 1),
+                      exit_status::usage);
     }
-    check_row(adapter, t, *index);
+    typed([&] { check_row(adapter, t, *index); });
     return *index;
 }
 
@@ -64,9 +64,9 @@ void add_command(CLI::App &app, const options &given, const char *name, const ch
     command->add_option("TABLE", wanted->table, "Name or id")->required();
     command->add_option("FIELD=VALUE", wanted->fields, fields);
     command->callback([&given, wanted, work] {
-        const table &t = table_named(wanted->table);
+        const table &t = table_argument(wanted->table);
         try {
-            check_engine(t);
+            typed([&] { check_engine(t); });
             opened_tables tables(given);
             work(*tables, t, wanted->fields);
         } catch (const failure &error) {
@@ -75,17 +75,21 @@ void add_command(CLI::App &app, const options &given, const char *name, const ch
     });
 }
 
-[[noreturn]] void refuse(const char *call, tev_tbl_ret_t result, const std::string &why) {
-    throw failure(std::string(call) + ": " + why + " (result " + name_of(result) + ")");
-}
-
-std::string why_not(host::adapter &adapter, const records &entry, uint32_t index, bool wanted) {
+failure why_not(host::adapter &adapter, const records &entry, uint32_t index, bool wanted) {
     const bool there = find_entry(entry, index) == TEV_TBL_RET_OK;
     if (there != wanted)
-        return (there ? "there is an entry already: " : "there is no entry: ") +
-               entry_called(entry, index);
-    return "the engine refused it: " + entry_called(entry, index) + "; the table has " +
-           std::to_string(adapter.depth(entry.of->id)) + " rows; --log-level error says why";
+        return there ? failure("there is an entry already: " + entry_called(entry, index))
+                     : failure("there is no entry: " + entry_called(entry, index),
+                               exit_status::missed);
+    return failure("the engine refused it: " + entry_called(entry, index) + "; the table has " +
+                       std::to_string(adapter.depth(entry.of->id)) +
+                       " rows; --log-level error says why",
+                   exit_status::adapter);
+}
+
+[[noreturn]] void refuse(const char *call, tev_tbl_ret_t result, const failure &why) {
+    throw failure(std::string(call) + ": " + why.what() + " (result " + name_of(result) + ")",
+                  why.status());
 }
 
 // Makes one call of the table API, and answers the entry's row. `there` tells whether the call is
@@ -134,8 +138,10 @@ void find(host::adapter &adapter, const table &t, const std::vector<std::string>
     if (result != TEV_TBL_RET_OK)
         refuse("find", result,
                result == TEV_TBL_RET_ENTRY_NOT_FOUND
-                   ? "there is no entry: " + entry_called(given.entry, index)
-                   : "it could not be looked for: " + entry_called(given.entry, index));
+                   ? failure("there is no entry: " + entry_called(given.entry, index),
+                             exit_status::missed)
+                   : failure("it could not be looked for: " + entry_called(given.entry, index),
+                             exit_status::adapter));
     if (read_entry(given.entry, index) == TEV_TBL_RET_OK)
         print_done(adapter, "found", given.entry, index);
 }

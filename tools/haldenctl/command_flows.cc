@@ -94,7 +94,8 @@ void find(const options &given, const flow_filter_options &filter) {
     const auto f = hit.hit ? flow_at(*adapter, hit.table, hit.row) : std::nullopt;
     if (!f)
         throw failure("no flow " + packets::flow_text(wanted) +
-                      "; the VLAN and the VNI are part of a flow: --vlan, --vni");
+                          "; the VLAN and the VNI are part of a flow: --vlan, --vni",
+                      exit_status::missed);
     const pipeline::table &main = *pipeline::find_table(host::flow_table);
     const pipeline::table &table = *pipeline::find_table(hit.table);
     std::cout << packets::key_text(f->key) << "\n  flow_idx " << f->index << ", "
@@ -118,7 +119,7 @@ void remove(const options &given, const flow_filter_options &wanted, bool all) {
     const std::vector<listed_flow> flows = matching(store, filter);
     const uint32_t left_over = all ? store.remove_left_over() : 0;
     if (flows.empty() && left_over == 0)
-        throw failure("no flow matches; `haldenctl flows list` shows them");
+        throw failure("no flow matches; `haldenctl flows list` shows them", exit_status::missed);
     named_flows refused, data_left;
     for (const listed_flow &f : flows) {
         const remove_result result = store.remove(f);
@@ -138,7 +139,7 @@ void remove(const options &given, const flow_filter_options &wanted, bool all) {
         left += (left.empty() ? "" : "; ") + std::string("the data of ") +
                 counted(data_left.count(), "flow", "flows") +
                 " could not be deleted: " + data_left.text();
-    if (!left.empty()) throw failure(left + "; --log-level error says why");
+    if (!left.empty()) throw failure(left + "; --log-level error says why", exit_status::adapter);
 }
 
 // --- stats ---------------------------------------------------------------------------------------
@@ -193,8 +194,8 @@ void generate(const generate_options &wanted) {
         std::cout << wanted.path << ": " << counted(made.packets, "packet", "packets") << " of "
                   << counted(made.conversations, "conversation", "conversations") << ", "
                   << counted(made.other_frames, "frame", "frames") << " of other kinds\n";
-    } catch (const std::exception &error) {
-        throw failure(error.what());
+    } catch (const std::runtime_error &error) {
+        throw failure(error.what(), exit_status::adapter);
     }
 }
 

@@ -11,7 +11,7 @@
 #include "tools/haldenctl/arguments.h"
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/entry_text.h"
-#include "tools/haldenctl/naming.h"
+#include "tools/haldenctl/failure.h"
 #include "tools/haldenctl/screen.h"
 
 namespace halden::tool {
@@ -29,8 +29,9 @@ records packet_key(const table &t, const std::vector<std::string> &fields) {
     set_key_fields(packet, fields);
     for (size_t n = 0; n < t.key.size(); ++n)
         if (packet.mask_value(n) != all_ones(t.key[n].bits))
-            throw failure(std::string(t.key[n].name) +
-                          ": a mask was given; a packet's key has every bit");
+            throw failure(
+                std::string(t.key[n].name) + ": a mask was given; a packet's key has every bit",
+                exit_status::usage);
     return packet;
 }
 
@@ -123,16 +124,17 @@ void look_up(const opened_adapter &adapter, const table &t,
              const std::vector<std::string> &fields) {
     if (!is_keyed(t.kind))
         throw failure(std::string(t.name) + ": " + std::string(kind_text(t.kind)) +
-                      ", so packets do not look it up by a key");
+                          ", so packets do not look it up by a key",
+                      exit_status::usage);
     if (t.id == host::flow_ohash_table)
-        throw failure("flow_ohash: it is reached through flow; look up flow");
+        throw failure("flow_ohash: it is reached through flow; look up flow", exit_status::usage);
     try {
         records packet = packet_key(t, fields);
         const key_images images = images_of(packet);
         const auto found = host::view::lookup(*adapter, t.id, images.key.data());
         if (!found.hit) {
             print_miss(*adapter, packet, found, images.key);
-            return;
+            throw missed();
         }
         const table &hit = *find_table(found.table);
         std::cout << painted("hit", colour::good) << "  " << hit.name << ", "
@@ -155,7 +157,7 @@ void add_lookup(CLI::App &app, const options &given) {
     command->add_option("FIELD=VALUE", *fields,
                         "The packet's key; fields that are not given are 0");
     command->callback([&given, name, fields] {
-        const table &t = table_named(*name);
+        const table &t = table_argument(*name);
         look_up(opened_adapter(given), t, *fields);
     });
 }

@@ -11,7 +11,7 @@
 #include "tools/haldenctl/drawing.h"
 #include "tools/haldenctl/entry_file.h"
 #include "tools/haldenctl/entry_text.h"
-#include "tools/haldenctl/naming.h"
+#include "tools/haldenctl/failure.h"
 #include "tools/haldenctl/raw_entry.h"
 #include "tools/haldenctl/screen.h"
 #include "tools/haldenctl/table_calls.h"
@@ -31,12 +31,15 @@ found_row row_of_key(host::adapter &adapter, const table &t,
     set_key_fields(wanted, given);
     if (const auto found = row_of(adapter, wanted)) return *found;
     throw failure(std::string(t.name) + ": no entry has the key " + key_line(wanted) +
-                  "; `haldenctl lookup` says what a packet would hit");
+                      "; `haldenctl lookup` says what a packet would hit",
+                  exit_status::missed);
 }
 
-found_row row_named(host::adapter &adapter, const table &t, const std::vector<std::string> &given) {
+// Nothing when it is the key that is given.
+std::optional<uint32_t> row_given(host::adapter &adapter, const table &t,
+                                  const std::vector<std::string> &given) {
     if (given.empty()) {
-        if (adapter.depth(t.id) == 1) return {&t, 0};
+        if (adapter.depth(t.id) == 1) return 0;
         throw failure(std::string(t.name) + ": no index " +
                       (is_keyed(t.kind) ? "and no key " : "") + "is given; allowed: 0 to " +
                       std::to_string(adapter.depth(t.id) - 1));
@@ -49,16 +52,21 @@ found_row row_named(host::adapter &adapter, const table &t, const std::vector<st
                               (is_keyed(t.kind) ? ", or the key as FIELD=VALUE" : ""));
             const uint32_t row = parse_row(t, given[0]);
             check_row(adapter, t, row);
-            return {&t, row};
+            return row;
         }
         if (!is_keyed(t.kind)) {
             const uint32_t row = index_from_arguments(t, given);
             check_row(adapter, t, row);
-            return {&t, row};
+            return row;
         }
     } catch (const failure &error) {
         throw error.inside(std::string(t.name));
     }
+    return std::nullopt;
+}
+
+found_row row_named(host::adapter &adapter, const table &t, const std::vector<std::string> &given) {
+    if (const auto row = typed([&] { return row_given(adapter, t, given); })) return {&t, *row};
     return row_of_key(adapter, t, given);
 }
 
@@ -101,16 +109,19 @@ struct read_options {
 // Asks the table API as well, where it serves the table: the entry a caller of it would get.
 void read(opened_tables &tables, const read_options &wanted) {
     host::adapter &adapter = *tables;
-    const auto [t, row] = row_named(adapter, table_named(wanted.table), wanted.where);
+    const auto [t, row] = row_named(adapter, table_argument(wanted.table), wanted.where);
     auto entry = read_back(adapter, *t, row);
-    if (!entry) throw failure(std::string(t->name) + ": row " + std::to_string(row) + " is empty");
+    if (!entry)
+        throw failure(std::string(t->name) + ": row " + std::to_string(row) + " is empty",
+                      exit_status::missed);
     if (has_engine(*t) && !wanted.raw) {
         records same = *entry;
         const tev_tbl_ret_t result = read_entry(same, row);
         if (result != TEV_TBL_RET_OK)
             throw failure(std::string(t->name) + ": row " + std::to_string(row) +
-                          " is in use, and the engine does not find its entry (result " +
-                          name_of(result) + "); `read --raw` shows the row as it is");
+                              " is in use, and the engine does not find its entry (result " +
+                              name_of(result) + "); `read --raw` shows the row as it is",
+                          exit_status::adapter);
         entry->data = same.data;
     }
     if (wanted.as_json)
@@ -158,10 +169,12 @@ void dump_table(host::adapter &adapter, const table &t, dump_printer &out) {
         const auto entry = read_back(adapter, t, row);
         if (!entry) continue;
         if (entry->action() == nullptr)
-            throw failure(std::string(t.name) + ": row " + std::to_string(row) +
-                          " names a program that is none of the table's actions; see `haldenctl "
-                          "read " +
-                          std::string(t.name) + " " + std::to_string(row) + " --raw`");
+            throw failure(
+                std::string(t.name) + ": row " + std::to_string(row) +
+                    " names a program that is none of the table's actions; see `haldenctl "
+                    "read " +
+                    std::string(t.name) + " " + std::to_string(row) + " --raw`",
+                exit_status::adapter);
         out.put(*entry, row);
     }
 }
@@ -193,7 +206,7 @@ void add_dump(CLI::App &app, const options &given) {
     command->callback([&given, name, all, as_json] {
         if (name->empty() && !*all)
             throw CLI::ValidationError("dump", "TABLE or --all is required");
-        const table *one = *all ? nullptr : &table_named(*name);
+        const table *one = *all ? nullptr : &table_argument(*name);
         const opened_adapter adapter(given);
         dump_printer out(*as_json);
         for (const table *t : tables)

@@ -85,7 +85,8 @@ void install(host::adapter &adapter, host::adapter &scratch, const placed &p) {
     const auto wanted = written(scratch, entry, 0);
     const bool no_bits = row_bits(*entry.of) == 0;
     if ((!wanted && !no_bits) || written(adapter, entry, p.row) != wanted)
-        throw failure("the adapter did not take it; --log-level error says why");
+        throw failure("the adapter did not take it; --log-level error says why",
+                      exit_status::adapter);
 }
 
 // A flow's valid bit, the last of its fields.
@@ -168,7 +169,8 @@ void write(const opened_adapter &adapter, const std::string &path, bool quiet) {
             install(*adapter, *scratch, p);
         } catch (const failure &error) {
             throw failure(p.given->place + ": " + error.what() + "; " +
-                          count_of(number, "entry", "entries") + " before it written");
+                              count_of(number, "entry", "entries") + " before it written",
+                          error.status());
         }
         tables_seen.insert(p.given->entry.of->id);
         ++number;

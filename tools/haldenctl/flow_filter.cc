@@ -98,6 +98,10 @@ void flow_filter_options::add_to(CLI::App *command) {
 }
 
 flow_filter flow_filter_options::parsed() const {
+    return typed([&] { return values(); });
+}
+
+flow_filter flow_filter_options::values() const {
     flow_filter out;
     if (proto_.given()) out.proto = protocol_of(proto_.text);
     if (source_.given()) out.source = prefix_of("--src", source_.text);
@@ -130,7 +134,8 @@ packets::flow flow_filter::whole_flow() const {
     if (!proto || !source || !destination)
         throw CLI::ValidationError("flows find", "--proto, --src and --dst are required");
     if (!source->whole() || !destination->whole())
-        throw failure("a prefix names many flows; `haldenctl flows list` shows them");
+        throw failure("a prefix names many flows; `haldenctl flows list` shows them",
+                      exit_status::usage);
     packets::flow out;
     out.version = source->version;
     out.source = source->address;

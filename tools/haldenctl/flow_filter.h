@@ -39,10 +39,11 @@ struct flow_filter {
 class flow_filter_options {
   public:
     void add_to(CLI::App *command);
-    // Throws failure when an option's value makes no sense, an empty one included.
+    // Throws failure, of usage, when an option's value makes no sense, an empty one included.
     flow_filter parsed() const;
 
   private:
+    flow_filter values() const;
     struct text_option {
         CLI::Option *option = nullptr;
         std::string text;

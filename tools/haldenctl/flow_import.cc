@@ -97,7 +97,7 @@ void import_flows(opened_tables &tables, const std::string &path) {
     seen_packets seen;
     try {
         seen = read_packets(path);
-    } catch (const std::exception &error) {
+    } catch (const std::runtime_error &error) {
         throw failure(error.what());
     }
     print_packets(path, seen);
@@ -138,7 +138,9 @@ void import_flows(opened_tables &tables, const std::string &path) {
     if (without_row.count() != 0)
         why += (why.empty() ? "" : "; ") + std::string("flow_info has no free row for ") +
                counted(without_row.count(), "flow", "flows") + ": " + without_row.text();
-    if (!why.empty()) throw failure(path + ": " + why);
+    if (!why.empty())
+        throw failure(path + ": " + why,
+                      refused.count() != 0 ? exit_status::adapter : exit_status::refused);
 }
 
 }  // namespace halden::tool

@@ -1,7 +1,6 @@
 // haldenctl: the tables of the pipeline from the command line.
 //
-// Exit status: 0 done; 1 the input or the adapter would not have it, one line on standard error; 2
-// the command line was not understood.
+// How it ends is what failure.h says: the statuses stand in `exit_statuses` for people.
 
 #include <unistd.h>
 
@@ -16,6 +15,17 @@
 #include "tools/haldenctl/screen.h"
 
 namespace {
+
+using halden::tool::exit_status;
+
+constexpr const char *exit_statuses =
+    "Exit status: 0 done, or a hit; 1 no such entry, a miss, or a dry run with something to do;\n"
+    "2 the command line: a command, an option, a table, a field, a value or a row that is not\n"
+    "understood; 3 a file or a capture that is refused or damaged, or an entry that the tables\n"
+    "refuse as they are now (full, a duplicate); 4 the adapter or the machine: it cannot be "
+    "opened,\n"
+    "its memory is damaged, a call was refused, the disk is full, memory has run out; 128 + n\n"
+    "ended by signal n.";
 
 // What was wrong with the command line. A command that does not exist is called by its name.
 std::string misunderstanding(const CLI::App &app, const CLI::ParseError &error) {
@@ -32,25 +42,23 @@ extern "C" void report_lost_memory(int) {
     constexpr char text[] =
         "haldenctl: the adapter's memory could not be written or read; is its disk full?\n";
     (void)!write(STDERR_FILENO, text, sizeof text - 1);
-    _exit(1);
+    _exit(static_cast<int>(exit_status::adapter));
 }
 
-// Whether all that was printed has gone out.
-bool written() {
+// The status at the end of a command: what was printed may not have gone out.
+exit_status ended(exit_status status) {
     std::cout.flush();
-    if (!std::cout) std::cerr << "haldenctl: standard output cannot be written\n";
-    return !!std::cout;
+    if (std::cout) return status;
+    std::cerr << "haldenctl: standard output cannot be written\n";
+    return exit_status::adapter;
 }
 
 }  // namespace
 
-int main(int argc, char **argv) {
+namespace {
+
+exit_status run(int argc, char **argv) {
     using namespace halden;
-    constexpr int refused = 1, not_understood = 2;
-
-    std::signal(SIGBUS, report_lost_memory);
-    std::signal(SIGXFSZ, SIG_IGN);  // the call that grows a file too far fails and is reported
-
     CLI::App app(
         "The match-action tables of the halden pipeline: what they are, what stands in "
         "them, what a packet would hit.",
@@ -93,12 +101,15 @@ int main(int argc, char **argv) {
         if (level.empty() && std::getenv("HALDEN_LOG_LEVEL") == nullptr) level = "critical";
         if (!level.empty() && !host::trace::set_level(level))
             throw tool::failure("--log-level: '" + level +
-                                "' is no level; allowed: trace, debug, info, warning, error, "
-                                "critical, off");
+                                    "' is no level; allowed: trace, debug, info, warning, error, "
+                                    "critical, off",
+                                exit_status::usage);
         if (!log_file.empty() && !host::trace::set_file(log_file))
-            throw tool::failure("--log-file: " + log_file + " cannot be opened for appending");
+            throw tool::failure("--log-file: " + log_file + " cannot be opened for appending",
+                                exit_status::usage);
     });
-    app.footer("`haldenctl COMMAND --help` says more about a command.");
+    app.footer("`haldenctl COMMAND --help` says more about a command.\n\n" +
+               std::string(exit_statuses));
 
     tool::add_tables(app, given);
     tool::add_describe(app, given);
@@ -115,18 +126,32 @@ int main(int argc, char **argv) {
 
     try {
         app.parse(argc, argv);
-        return written() ? 0 : refused;
+        return ended(exit_status::done);
+    } catch (const tool::missed &) {
+        return ended(exit_status::missed);
     } catch (const CLI::ParseError &error) {
         if (error.get_exit_code() == 0) {  // help and version
             app.exit(error);
-            return written() ? 0 : refused;
+            return ended(exit_status::done);
         }
         std::cerr << "haldenctl: " << tool::printable(misunderstanding(app, error))
                   << "; `haldenctl --help` says more\n";
-        return not_understood;
+        return exit_status::usage;
+    } catch (const tool::failure &error) {
+        std::cout.flush();
+        std::cerr << "haldenctl: " << tool::printable(error.what()) << "\n";
+        return error.status();
     } catch (const std::exception &error) {
         std::cout.flush();
         std::cerr << "haldenctl: " << tool::printable(error.what()) << "\n";
-        return refused;
+        return exit_status::adapter;
     }
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    std::signal(SIGBUS, report_lost_memory);
+    std::signal(SIGXFSZ, SIG_IGN);  // the call that grows a file too far fails and is reported
+    return static_cast<int>(run(argc, argv));
 }

@@ -26,9 +26,7 @@ host::asic_call call_named(const std::string &name) {
 
 uint32_t number(const std::string &value) { return static_cast<uint32_t>(parse_value(value, 31)); }
 
-}  // namespace
-
-host::fault fault_of(const std::string &text) {
+host::fault parsed_fault(const std::string &text) {
     host::fault out;
     std::istringstream in(text);
     std::string part;
@@ -58,6 +56,12 @@ host::fault fault_of(const std::string &text) {
         throw error.inside("--fault " + text);
     }
     return out;
+}
+
+}  // namespace
+
+host::fault fault_of(const std::string &text) {
+    return typed([&] { return parsed_fault(text); });
 }
 
 }  // namespace halden::tool

@@ -17,7 +17,7 @@ struct options {
 
 // "sram-write,table=lif_mapping,skip=2,count=all,delay=10": a call of that table is refused behind
 // two that pass, and all further ones; with a delay, in milliseconds, it is late instead. Throws
-// failure.
+// failure, of usage.
 host::fault fault_of(const std::string &text);
 
 }  // namespace halden::tool
