@@ -3,6 +3,7 @@
 #include "host/memory/directory.h"
 #include "host/memory/flow_rows.h"
 #include "host/memory/row_store.h"
+#include "host/memory/troubles.h"
 #include "host/trace/trace.h"
 
 #include <unistd.h>
@@ -20,6 +21,8 @@ void check_depth(const char *name, uint32_t rows, uint32_t most) {
         throw std::runtime_error(std::string(name) + " " + std::to_string(rows) +
                                  ": must be a power of two up to " + std::to_string(most));
 }
+
+constexpr row_lengths tcam_lengths = {.most = tcam_image_bytes * 8, .step = 16};
 
 uint32_t sram_rows(const table_memory &table) {
     const table_memory *overflow = table_memory_of(table.overflow);
@@ -51,7 +54,9 @@ std::unique_ptr<adapter> adapter::open(const std::string &directory,
 }
 
 adapter::adapter(std::string directory, const adapter_options &options)
-    : directory_(std::move(directory)), options_(options) {
+    : directory_(std::move(directory)),
+      options_(options),
+      troubles_(std::make_unique<trouble_list>()) {
     check_depth("flow_rows", options.flow_rows, table_memory_of(flow_table)->rows);
     check_depth("flow_ohash_rows", options.flow_ohash_rows,
                 table_memory_of(flow_ohash_table)->rows);
@@ -66,6 +71,8 @@ adapter::~adapter() {
     if (lock_file_ >= 0) close(lock_file_);
 }
 
+std::vector<std::string> adapter::troubles() const { return troubles_->texts(); }
+
 uint32_t adapter::depth(uint32_t tableid) const {
     if (tableid == flow_table) return options_.flow_rows;
     if (tableid == flow_ohash_table) return options_.flow_ohash_rows;
@@ -75,6 +82,13 @@ uint32_t adapter::depth(uint32_t tableid) const {
 
 std::string adapter::path_of(memory where, uint32_t tableid) const {
     return directory_.empty() ? std::string() : memory_file(directory_, where, tableid);
+}
+
+std::string adapter::memory_name(memory where, uint32_t tableid) const {
+    const std::string path = path_of(where, tableid);
+    return !path.empty() ? path
+                         : "anonymous memory, " + std::string(name_of(where)) + " of table " +
+                               std::to_string(tableid);
 }
 
 // Memories are mapped when they are first touched: most uses of an adapter need few of them.
@@ -88,10 +102,13 @@ row_store *adapter::rows_of(memory where, uint32_t tableid) {
     try {
         const table_memory &table = *table_memory_of(tableid);
         const uint32_t depth = where == memory::sram ? sram_rows(table) : table.rows;
-        rows = new row_store(path_of(where, tableid), depth);
+        rows = new row_store(path_of(where, tableid), depth,
+                             where == memory::tcam ? tcam_lengths : row_lengths{});
         place.store(rows, std::memory_order_release);
     } catch (const std::exception &error) {
         trace::error("table %u: %s cannot be mapped: %s", tableid, name_of(where), error.what());
+        troubles_->note(where, tableid, trouble_list::whole_memory, memory_name(where, tableid),
+                        std::string("cannot be mapped: ") + error.what());
     }
     return rows;
 }
@@ -108,6 +125,9 @@ flow_rows *adapter::flow_rows_of(uint32_t tableid) {
         place.store(rows, std::memory_order_release);
     } catch (const std::exception &error) {
         trace::error("table %u: HBM cannot be mapped: %s", tableid, error.what());
+        troubles_->note(memory::hbm, tableid, trouble_list::whole_memory,
+                        memory_name(memory::hbm, tableid),
+                        std::string("cannot be mapped: ") + error.what());
     }
     return rows;
 }

@@ -16,7 +16,13 @@
 //   * an index beyond the table's depth, an image wider than the row, an unknown table: the call
 //     answers SDK_RET_INVALID_ARG and nothing is changed. Memory that cannot be mapped:
 //     SDK_RET_OOM;
-//   * a row write is seen whole or not at all, also across the death of the process.
+//   * a row write is seen whole or not at all, also across the death of the process;
+//   * a row whose length in memory is one that no write leaves there is damaged: reading or
+//     clearing it, and writing part of it, answers SDK_RET_DAMAGED and touches neither the row nor
+//     the caller's buffers. It is not empty either. Writing the whole row puts it right, and the
+//     trace says what was there.
+//
+// Damage and memory that cannot be mapped are kept by name, see troubles().
 //
 // Threads: all functions may run at once; writes to one row are serialised by the caller.
 
@@ -32,15 +38,18 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace halden::host {
 
 class flow_rows;
 class row_store;
+class trouble_list;
 
 // One row before and after a write. For SRAM, `table` is the owner of the memory and `row` its row:
 // a write through an overflow table is seen in the hash table's window. TCAM images are the key (x)
-// in bytes 0 to 31 and the mask (y) in bytes 32 to 63. The spans live as long as the call.
+// in bytes 0 to 31 and the mask (y) in bytes 32 to 63. A row that was damaged is shown as empty.
+// The spans live as long as the call.
 struct row_change {
     memory where;
     uint32_t table;
@@ -102,6 +111,15 @@ class adapter {
     // tables and when the memory cannot be mapped. Such stores are neither observed nor faulted.
     uint8_t *hbm_rows(uint32_t tableid);
 
+    // SDK_RET_OK when the entry's row can be read in all its memories: SDK_RET_DAMAGED, or
+    // SDK_RET_OOM for memory that cannot be mapped. Meets no fault.
+    sdk_ret_t check_row(uint32_t tableid, uint32_t index);
+    // What is wrong with the entry's row, for people; empty for a sound one. Kept nowhere.
+    std::string damage_of(uint32_t tableid, uint32_t index);
+    // Damaged rows and memories that could not be mapped, as far as calls met them and nothing
+    // put them right: a line for each, with the file's name or "anonymous memory".
+    std::vector<std::string> troubles() const;
+
     // The first row of a table at or behind `from` that is not empty, by its TCAM where it has one;
     // depth when there is none. Steps over memory that was never touched.
     uint32_t next_used(uint32_t tableid, uint32_t from);
@@ -121,8 +139,12 @@ class adapter {
                         row_place &place);
     sdk_ret_t refuse(const char *call, const std::string &what) const;
     sdk_ret_t refuse_index(const char *call, uint32_t tableid, uint32_t index);
-    void put(memory where, uint32_t tableid, row_store &rows, uint32_t row, const row_image &image,
-             uint16_t bits);
+    sdk_ret_t refuse_damaged(const char *call, const row_place &place, uint16_t length);
+    std::string memory_name(memory where, uint32_t tableid) const;
+    template <class See>
+    sdk_ret_t for_each_memory(uint32_t tableid, uint32_t index, See see);
+    sdk_ret_t read_row(const char *call, const row_place &place, row_image &image, uint16_t &bits);
+    void put(const row_place &place, const row_image &image, uint16_t bits);
     void put_flow(uint32_t tableid, flow_rows &rows, uint32_t row, const flow_image &image);
     void tell(const row_change &change);
 
@@ -130,6 +152,7 @@ class adapter {
     adapter_options options_;
     int lock_file_ = -1;
     fault_set faults_;
+    std::unique_ptr<trouble_list> troubles_;
     std::mutex mapping_;
     std::array<std::array<std::atomic<row_store *>, last_table + 1>, memory_kinds> rows_ = {};
     std::array<std::atomic<flow_rows *>, flow_table + 1> flows_ = {};

@@ -4,6 +4,7 @@
 #include "host/bits/bit_runs.h"
 #include "host/memory/flow_rows.h"
 #include "host/memory/row_store.h"
+#include "host/memory/troubles.h"
 #include "host/trace/trace.h"
 
 #include <algorithm>
@@ -21,6 +22,7 @@ std::string number(uint32_t value) { return std::to_string(value); }
 }  // namespace
 
 struct adapter::row_place {
+    memory where;
     row_store *rows;
     uint32_t table;  // that owns the memory
     uint32_t row;
@@ -36,16 +38,91 @@ sdk_ret_t adapter::refuse_index(const char *call, uint32_t tableid, uint32_t ind
                             number(depth(tableid) - 1));
 }
 
-void adapter::put(memory where, uint32_t tableid, row_store &rows, uint32_t row,
-                  const row_image &image, uint16_t bits) {
+// --- Damage --------------------------------------------------------------------------------------
+
+namespace {
+
+std::string damage_text(uint32_t row, uint16_t length, const row_lengths &possible) {
+    return "row " + number(row) + " is damaged: its length is " + number(length) +
+           " bits; possible are 0 to " + number(possible.most) +
+           (possible.step != 1 ? " in steps of " + number(possible.step) : "") +
+           "; a raw write of the whole row (`haldenctl write`) puts it right";
+}
+
+}  // namespace
+
+sdk_ret_t adapter::refuse_damaged(const char *call, const row_place &place, uint16_t length) {
+    const std::string name = memory_name(place.where, place.table);
+    const std::string text = damage_text(place.row, length, place.rows->lengths());
+    trace::error("%s: %s: %s", call, name.c_str(), text.c_str());
+    troubles_->note(place.where, place.table, place.row, name, text);
+    return SDK_RET_DAMAGED;
+}
+
+sdk_ret_t adapter::read_row(const char *call, const row_place &place, row_image &image,
+                            uint16_t &bits) {
+    const row_length found = place.rows->read(place.row, image);
+    if (found.is_damaged()) return refuse_damaged(call, place, found.impossible);
+    bits = found.bits;
+    return SDK_RET_OK;
+}
+
+// The memories that an entry stands in: the TCAM, then the data. A flow row has no length.
+template <class See>
+sdk_ret_t adapter::for_each_memory(uint32_t tableid, uint32_t index, See see) {
+    const table_memory *table = table_memory_of(tableid);
+    if (table->is_flow()) return flow_rows_of(tableid) != nullptr ? SDK_RET_OK : SDK_RET_OOM;
+    const auto look = [&](memory where, uint32_t owner, uint32_t row) {
+        const row_place place = {where, rows_of(where, owner), owner, row};
+        return place.rows == nullptr ? SDK_RET_OOM : see(place);
+    };
+    if (table->has_tcam())
+        if (sdk_ret_t bad = look(memory::tcam, tableid, index)) return bad;
+    if (table->owner == 0) return look(table->data, tableid, index);
+    return look(table->data, table->owner, table->overflow_base + index);
+}
+
+sdk_ret_t adapter::check_row(uint32_t tableid, uint32_t index) {
+    const table_memory *table = table_memory_of(tableid);
+    if (table == nullptr) return refuse(__func__, "table " + number(tableid) + " is unknown");
+    if (index >= depth(tableid)) return refuse_index(__func__, tableid, index);
+    return for_each_memory(tableid, index, [&](const row_place &place) {
+        const row_length found = place.rows->length_of(place.row);
+        return found.is_damaged() ? refuse_damaged("check_row", place, found.impossible)
+                                  : SDK_RET_OK;
+    });
+}
+
+std::string adapter::damage_of(uint32_t tableid, uint32_t index) {
+    std::string out;
+    if (table_memory_of(tableid) == nullptr || index >= depth(tableid)) return out;
+    for_each_memory(tableid, index, [&](const row_place &place) {
+        const row_length found = place.rows->length_of(place.row);
+        if (found.is_damaged())
+            out += (out.empty() ? "" : "; ") + memory_name(place.where, place.table) + ": row " +
+                   number(place.row) + " had a length of " + number(found.impossible) + " bits";
+        return SDK_RET_OK;
+    });
+    return out;
+}
+
+// --- Writes --------------------------------------------------------------------------------------
+
+void adapter::put(const row_place &place, const row_image &image, uint16_t bits) {
+    row_store &rows = *place.rows;
+    if (const row_length before = rows.length_of(place.row); before.is_damaged()) [[unlikely]] {
+        trace::error("%s: row %u had a length of %u bits, which is damage, and is written anew",
+                     memory_name(place.where, place.table).c_str(), place.row, before.impossible);
+        troubles_->forget(place.where, place.table, place.row);
+    }
     if (!observed_.load(std::memory_order_acquire)) {
-        rows.write(row, image, bits);
+        rows.write(place.row, image, bits);
         return;
     }
     row_image old;
-    const uint16_t old_bits = rows.read(row, old);
-    rows.write(row, image, bits);
-    tell({where, tableid, row, old_bits, old, bits, image});
+    const uint16_t old_bits = rows.read(place.row, old).bits;
+    rows.write(place.row, image, bits);
+    tell({place.where, place.table, place.row, old_bits, old, bits, image});
 }
 
 void adapter::put_flow(uint32_t tableid, flow_rows &rows, uint32_t row, const flow_image &image) {
@@ -77,7 +154,7 @@ sdk_ret_t adapter::find_sram(uint32_t tableid, uint32_t index, bool for_read, co
                                 number(table->overflow_base + table->rows - 1));
     }
     const uint32_t owner = table->owner == 0 ? tableid : table->owner;
-    place = {rows_of(memory::sram, owner), owner, row};
+    place = {memory::sram, rows_of(memory::sram, owner), owner, row};
     return place.rows == nullptr ? SDK_RET_OOM : SDK_RET_OK;
 }
 
@@ -95,11 +172,12 @@ sdk_ret_t adapter::sram_write(uint32_t tableid, uint32_t index, const uint8_t *i
     if (bytes != 0) std::memcpy(next.data(), image, bytes);
     if (mask != nullptr) {
         row_image old;
-        place.rows->read(place.row, old);
+        uint16_t old_bits = 0;
+        if (sdk_ret_t bad = read_row(__func__, place, old, old_bits)) return bad;
         for (uint32_t i = 0; i < bytes; ++i)
             next[i] = static_cast<uint8_t>((old[i] & ~mask[i]) | (next[i] & mask[i]));
     }
-    put(memory::sram, place.table, *place.rows, place.row, next, bits);
+    put(place, next, bits);
     return SDK_RET_OK;
 }
 
@@ -109,7 +187,7 @@ sdk_ret_t adapter::sram_read(uint32_t tableid, uint32_t index, uint8_t *image, u
     if (sdk_ret_t bad = find_sram(tableid, index, true, __func__, place)) return bad;
     if (sdk_ret_t injected = faults_.meet(asic_call::sram_read, tableid, index)) return injected;
     row_image found;
-    *bits = place.rows->read(place.row, found);
+    if (sdk_ret_t bad = read_row(__func__, place, found, *bits)) return bad;
     std::memcpy(image, found.data(), bits::swizzled_bytes_of(*bits));
     return SDK_RET_OK;
 }
@@ -132,7 +210,7 @@ sdk_ret_t adapter::tcam_write(uint32_t tableid, uint32_t index, const uint8_t *k
     row_image next = {};
     std::memcpy(next.data(), key, width / 8);
     std::memcpy(next.data() + tcam_image_bytes, key_mask, width / 8);
-    put(memory::tcam, tableid, *rows, index, next, width);
+    put({memory::tcam, rows, tableid, index}, next, width);
     return SDK_RET_OK;
 }
 
@@ -148,7 +226,8 @@ sdk_ret_t adapter::tcam_read(uint32_t tableid, uint32_t index, uint8_t *key, uin
     if (sdk_ret_t injected = faults_.meet(asic_call::tcam_read, tableid, index)) return injected;
 
     row_image found;
-    *width = rows->read(index, found);
+    const row_place place = {memory::tcam, rows, tableid, index};
+    if (sdk_ret_t bad = read_row(__func__, place, found, *width)) return bad;
     std::memcpy(key, found.data(), *width / 8);
     std::memcpy(key_mask, found.data() + tcam_image_bytes, *width / 8);
     return SDK_RET_OK;
@@ -183,7 +262,7 @@ sdk_ret_t adapter::hbm_write(uint32_t tableid, uint32_t index, const uint8_t *im
     if (sdk_ret_t injected = faults_.meet(asic_call::hbm_write, tableid, index)) return injected;
     row_image next = {};
     if (bytes != 0) std::memcpy(next.data(), image, bytes);
-    put(memory::hbm, tableid, *rows, index, next, bits);
+    put({memory::hbm, rows, tableid, index}, next, bits);
     return SDK_RET_OK;
 }
 
@@ -207,7 +286,8 @@ sdk_ret_t adapter::hbm_read(uint32_t tableid, uint32_t index, uint8_t *image, ui
     if (rows == nullptr) return SDK_RET_OOM;
     if (sdk_ret_t injected = faults_.meet(asic_call::hbm_read, tableid, index)) return injected;
     row_image found;
-    *bits = rows->read(index, found);
+    const row_place place = {memory::hbm, rows, tableid, index};
+    if (sdk_ret_t bad = read_row(__func__, place, found, *bits)) return bad;
     std::memcpy(image, found.data(), bits::bytes_of(*bits));
     return SDK_RET_OK;
 }
@@ -218,6 +298,7 @@ sdk_ret_t adapter::clear_row(uint32_t tableid, uint32_t index) {
     const table_memory *table = table_memory_of(tableid);
     if (table == nullptr) return refuse(__func__, "table " + number(tableid) + " is unknown");
     if (index >= depth(tableid)) return refuse_index(__func__, tableid, index);
+    if (sdk_ret_t bad = check_row(tableid, index)) return bad;
     if (table->data == memory::hbm) return hbm_write(tableid, index, nullptr, 0);
 
     if (table->has_tcam()) {
@@ -225,7 +306,7 @@ sdk_ret_t adapter::clear_row(uint32_t tableid, uint32_t index) {
         if (rows == nullptr) return SDK_RET_OOM;
         if (sdk_ret_t injected = faults_.meet(asic_call::tcam_write, tableid, index))
             return injected;
-        put(memory::tcam, tableid, *rows, index, {}, 0);
+        put({memory::tcam, rows, tableid, index}, {}, 0);
     }
     const uint32_t row = table->owner == 0 ? index : table->overflow_base + index;
     return sram_write(tableid, row, nullptr, 0, nullptr);

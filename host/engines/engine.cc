@@ -72,6 +72,8 @@ sdk_ret_t table_rows::write_once(uint32_t row, const ternary_key *images, const 
 }
 
 sdk_ret_t table_rows::write(uint32_t row, const ternary_key *images, const void *data) const {
+    // Nothing is written over damage, in whichever memory of the row it is.
+    if (sdk_ret_t bad = hardware_.check_row(table_, row)) return bad;
     record_bytes old;
     const sdk_ret_t before = read(row, old);
     if (before != SDK_RET_OK && before != SDK_RET_ENTRY_NOT_FOUND) return before;
@@ -99,7 +101,9 @@ sdk_ret_t table_rows::read(uint32_t row, record_bytes &data, record_bytes *key,
     const p4pd_error_t result =
         p4pd_global_entry_read(table_, row, key->data(), mask->data(), data.data(), nullptr, true);
     if (outcome.refusal() != SDK_RET_OK) return outcome.refusal();
-    return result == P4PD_SUCCESS && data[0] != not_read ? SDK_RET_OK : SDK_RET_ENTRY_NOT_FOUND;
+    if (result == P4PD_SUCCESS && data[0] != not_read) return SDK_RET_OK;
+    // In use, and its program is none of the table's actions: somebody's, and no entry.
+    return in_use(row) ? SDK_RET_DAMAGED : SDK_RET_ENTRY_NOT_FOUND;
 }
 
 sdk_ret_t table_rows::clear(uint32_t row) const {

@@ -27,11 +27,14 @@ using namespace halden::host;
 struct slhash::impl {
     impl(uint32_t id, uint32_t overflow_id, bool trace)
         : main(current(), id), overflow(current(), overflow_id), counters(trace) {
-        for (uint32_t row = overflow.rows(); row-- > 0;) {
+        // Memory that cannot be mapped answers the same for every row.
+        for (uint32_t row = overflow.rows(); row-- > 0 && unread != SDK_RET_OOM;) {
             ternary_key images;
             const sdk_ret_t found = overflow.images_at(row, images);
-            if (found != SDK_RET_OK)
+            if (found == SDK_RET_ENTRY_NOT_FOUND)
                 free_rows.push_back(row);
+            else if (found != SDK_RET_OK)
+                unread = found;
             else if (compares_whole_key(images))
                 overflowed.insert_or_assign(images.ones, row);
             else
@@ -72,6 +75,11 @@ struct slhash::impl {
         return place{&overflow, known->second};
     }
 
+    // A key that was not found may stand in a row that could not be read.
+    sdk_ret_t unless_unread(sdk_ret_t bad) const {
+        return bad == SDK_RET_ENTRY_NOT_FOUND && unread != SDK_RET_OK ? unread : bad;
+    }
+
     // A key record may carry bits that the hardware has no room for; the images do not.
     static bool usable(const sdk_table_api_params_ *params) {
         return params != nullptr && params->key != nullptr && params->mask == nullptr;
@@ -83,6 +91,19 @@ struct slhash::impl {
         const sdk_ret_t result = overflow.clear(left_behind);
         if (result == SDK_RET_OK) left_behind = none;
         return result;
+    }
+
+    // The free row to take next. A row that cannot be read is neither free nor taken: it is stepped
+    // over and not asked for again, and a table that is full but for such rows answers the damage.
+    sdk_ret_t find_free(uint32_t &row) {
+        while (!free_rows.empty()) {
+            row = free_rows.back();
+            const sdk_ret_t bad = main.hardware().check_row(overflow.table(), row);
+            if (bad != SDK_RET_DAMAGED) return bad;
+            stepped_over = true;
+            free_rows.pop_back();
+        }
+        return unread == SDK_RET_DAMAGED || stepped_over ? SDK_RET_DAMAGED : SDK_RET_NO_RESOURCE;
     }
 
     sdk_ret_t insert(const sdk_table_api_params_ *params);
@@ -98,6 +119,9 @@ struct slhash::impl {
     std::vector<uint32_t> free_rows;              // of the TCAM; the last is taken first
     uint32_t masked_rows = 0;                     // of the TCAM, and no entries
     static constexpr uint32_t none = UINT32_MAX;
+    // Why an overflow row could not be read.
+    sdk_ret_t unread = SDK_RET_OK;
+    bool stepped_over = false;  // a row is free by its key, and its data is damaged
     // A free row that hardware matches. Nothing is changed before it is gone.
     uint32_t left_behind = none;
 };
@@ -112,11 +136,13 @@ sdk_ret_t slhash::impl::insert(const sdk_table_api_params_ *params) {
     bool taken = false;
     if (find(images, bad, &taken)) return SDK_RET_ENTRY_EXISTS;
     if (bad != SDK_RET_ENTRY_NOT_FOUND) return bad;
+    // Beside a damaged row there is room for others.
+    if (unread != SDK_RET_OK && unread != SDK_RET_DAMAGED) return unread;
     if (!taken) return main.write(hashed_row(images.ones), &images, params->data);
 
     counters.add(counters.collisions);
-    if (free_rows.empty()) return SDK_RET_NO_RESOURCE;
-    const uint32_t row = free_rows.back();
+    uint32_t row = none;
+    if (sdk_ret_t refused = find_free(row)) return refused;
     const ternary_key ternary = overflow.images_of(params->key, nullptr);
     // Known before the memory is touched, so that a shortage of memory changes nothing.
     const auto known = overflowed.emplace(ternary.ones, row).first;
@@ -136,7 +162,7 @@ sdk_ret_t slhash::impl::update(const sdk_table_api_params_ *params) {
     if (sdk_ret_t refused = sweep()) return refused;
     sdk_ret_t bad = SDK_RET_OK;
     const auto at = find(main.images_of(params->key, nullptr), bad, nullptr);
-    if (!at) return bad;
+    if (!at) return unless_unread(bad);
     const ternary_key images = at->table->images_of(params->key, nullptr);
     return at->table->write(at->row, &images, params->data);
 }
@@ -148,7 +174,7 @@ sdk_ret_t slhash::impl::remove(const sdk_table_api_params_ *params) {
     const ternary_key images = main.images_of(params->key, nullptr);
     sdk_ret_t bad = SDK_RET_OK;
     const auto at = find(images, bad, nullptr);
-    if (!at) return bad;
+    if (!at) return unless_unread(bad);
     record_bytes data;
     bad = at->table->read(at->row, data);
     if (bad != SDK_RET_OK) return bad;
@@ -169,7 +195,7 @@ sdk_ret_t slhash::impl::get(const sdk_table_api_params_ *params) const {
     const std::shared_lock lock(mutex);
     sdk_ret_t bad = SDK_RET_OK;
     const auto at = find(main.images_of(params->key, nullptr), bad, nullptr);
-    if (!at) return bad;
+    if (!at) return unless_unread(bad);
     record_bytes data;
     bad = at->table->read(at->row, data);
     if (bad != SDK_RET_OK) return bad;

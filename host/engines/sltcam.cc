@@ -39,9 +39,15 @@ struct tcam_entry {
 
 struct sltcam::impl {
     impl(uint32_t id, bool trace) : rows(current(), id), counters(trace), entries(rows.rows()) {
-        for (uint32_t row = 0; row < rows.rows(); ++row) {
+        // Memory that cannot be mapped answers the same for every row.
+        for (uint32_t row = 0; row < rows.rows() && unread != SDK_RET_OOM; ++row) {
             ternary_key images;
-            if (rows.images_at(row, images) != SDK_RET_OK) continue;
+            const sdk_ret_t found = rows.images_at(row, images);
+            if (found == SDK_RET_OK || found == SDK_RET_ENTRY_NOT_FOUND)
+                usable.push_back(row);
+            else
+                unread = found;
+            if (found != SDK_RET_OK) continue;
             // A process that ended in the middle of a move left its entry twice.
             if (find_images(images) != none) {
                 static_cast<void>(rows.clear(row));
@@ -72,13 +78,19 @@ struct sltcam::impl {
         return none;
     }
 
-    bool is_free(uint32_t row) const { return entries[row] == nullptr; }
-    uint32_t specificity(uint32_t row) const { return entries[row]->specificity; }
+    // A key that was not found may stand in a row that could not be read.
+    sdk_ret_t absent() const { return unread != SDK_RET_OK ? unread : SDK_RET_ENTRY_NOT_FOUND; }
+
+    // By number among the usable rows.
+    bool is_free(uint32_t n) const { return entries[usable[n]] == nullptr; }
+    uint32_t specificity(uint32_t n) const { return entries[usable[n]]->specificity; }
 
     // Empties a free row that a refused call could not.
     sdk_ret_t sweep();
     sdk_ret_t move(uint32_t from, uint32_t to);
     sdk_ret_t make_room(uint32_t specificity, uint32_t &row);
+    sdk_ret_t walk_up(uint32_t n, uint32_t high, uint32_t &row);
+    sdk_ret_t walk_down(uint32_t n, uint32_t low, uint32_t &row);
     sdk_ret_t insert(const sdk_table_api_params_ *params);
     sdk_ret_t update(const sdk_table_api_params_ *params);
     sdk_ret_t remove(const sdk_table_api_params_ *params);
@@ -88,6 +100,9 @@ struct sltcam::impl {
     call_counters counters;
     mutable std::shared_mutex mutex;
     std::vector<std::unique_ptr<tcam_entry>> entries;  // by row
+    // In order. A damaged row is neither free nor an entry's, and entries move around it.
+    std::vector<uint32_t> usable;
+    sdk_ret_t unread = SDK_RET_OK;  // why a row could not be read
     // A free row that hardware still matches: every write was refused, that of undoing the first
     // one too. Harmless while nothing changes, so nothing is changed before it is gone.
     uint32_t left_behind = none;
@@ -117,41 +132,55 @@ sdk_ret_t sltcam::impl::move(uint32_t from, uint32_t to) {
     return SDK_RET_OK;
 }
 
-// A free row behind every more specific entry and in front of every less specific one.
+// A free row behind every more specific entry and in front of every less specific one. Numbers here
+// are those of usable rows.
 sdk_ret_t sltcam::impl::make_room(uint32_t wanted, uint32_t &row) {
-    uint32_t low = 0, high = end();  // the rows that may be taken are low to high - 1
-    for (uint32_t r = 0; r < end(); ++r) {
-        if (is_free(r)) continue;
-        if (specificity(r) > wanted) low = r + 1;
-        if (specificity(r) < wanted && high == end()) high = r;
+    const auto count = static_cast<uint32_t>(usable.size());
+    uint32_t low = 0, high = count;  // low to high - 1 may be taken
+    for (uint32_t n = 0; n < count; ++n) {
+        if (is_free(n)) continue;
+        if (specificity(n) > wanted) low = n + 1;
+        if (specificity(n) < wanted && high == count) high = n;
     }
-    for (row = low; row < high; ++row)
-        if (is_free(row)) return SDK_RET_OK;
-
-    uint32_t below = high, above = low;
-    while (below < end() && !is_free(below)) ++below;
+    uint32_t below = low, above = low;
+    while (below < count && !is_free(below)) ++below;
     while (above > 0 && !is_free(above - 1)) --above;
-    const bool has_below = below<end(), has_above = above> 0;
-    if (!has_below && !has_above) return SDK_RET_NO_RESOURCE;
+    const bool has_below = below<count, has_above = above> 0;
+    if (!has_below && !has_above)
+        return count < entries.size() ? SDK_RET_DAMAGED : SDK_RET_NO_RESOURCE;
 
-    if (has_below && (!has_above || below - high <= low - above)) {
-        // From the free row up: the first entry of the class in front of it goes behind the last.
-        row = below;
-        while (row > high) {
-            uint32_t first = row - 1;
-            while (first > high && specificity(first - 1) == specificity(row - 1)) --first;
-            if (sdk_ret_t bad = move(first, row)) return bad;
-            row = first;
-        }
-        return SDK_RET_OK;
+    const bool from_below =
+        has_below && (!has_above || below < high || below - high <= low - above);
+    const uint32_t found = from_below ? below : above - 1;
+    const sdk_ret_t bad = rows.hardware().check_row(rows.table(), usable[found]);
+    if (bad == SDK_RET_DAMAGED) {
+        usable.erase(usable.begin() + found);
+        return make_room(wanted, row);
     }
-    row = above - 1;
-    while (row + 1 < low) {
-        uint32_t last = row + 1;
-        while (last + 1 < low && specificity(last + 1) == specificity(row + 1)) ++last;
-        if (sdk_ret_t bad = move(last, row)) return bad;
-        row = last;
+    if (bad != SDK_RET_OK) return bad;
+    return from_below ? walk_up(found, high, row) : walk_down(found, low, row);
+}
+
+// From the free row up: the first entry of the class in front of it goes behind the last.
+sdk_ret_t sltcam::impl::walk_up(uint32_t n, uint32_t high, uint32_t &row) {
+    while (n > high) {
+        uint32_t first = n - 1;
+        while (first > high && specificity(first - 1) == specificity(n - 1)) --first;
+        if (sdk_ret_t bad = move(usable[first], usable[n])) return bad;
+        n = first;
     }
+    row = usable[n];
+    return SDK_RET_OK;
+}
+
+sdk_ret_t sltcam::impl::walk_down(uint32_t n, uint32_t low, uint32_t &row) {
+    while (n + 1 < low) {
+        uint32_t last = n + 1;
+        while (last + 1 < low && specificity(last + 1) == specificity(n + 1)) ++last;
+        if (sdk_ret_t bad = move(usable[last], usable[n])) return bad;
+        n = last;
+    }
+    row = usable[n];
     return SDK_RET_OK;
 }
 
@@ -166,6 +195,8 @@ sdk_ret_t sltcam::impl::insert(const sdk_table_api_params_ *params) {
     entry->specificity = entry->images.specificity();
     if (sdk_ret_t bad = sweep()) return bad;
     if (find_images(entry->images) != none) return SDK_RET_ENTRY_EXISTS;
+    // Beside a damaged row there is room for others.
+    if (unread != SDK_RET_OK && unread != SDK_RET_DAMAGED) return unread;
     uint32_t row = none;
     if (sdk_ret_t bad = make_room(entry->specificity, row)) return bad;
     if (sdk_ret_t bad = rows.write(row, &entry->images, params->data)) {
@@ -183,7 +214,7 @@ sdk_ret_t sltcam::impl::update(const sdk_table_api_params_ *params) {
     const std::unique_lock lock(mutex);
     if (sdk_ret_t bad = sweep()) return bad;
     const uint32_t row = find(params);
-    if (row == none) return SDK_RET_ENTRY_NOT_FOUND;
+    if (row == none) return absent();
     return rows.write(row, &entries[row]->images, params->data);
 }
 
@@ -192,7 +223,7 @@ sdk_ret_t sltcam::impl::remove(const sdk_table_api_params_ *params) {
     const std::unique_lock lock(mutex);
     if (sdk_ret_t bad = sweep()) return bad;
     const uint32_t row = find(params);
-    if (row == none) return SDK_RET_ENTRY_NOT_FOUND;
+    if (row == none) return absent();
     record_bytes data;
     if (sdk_ret_t bad = rows.read(row, data)) return bad;
     if (sdk_ret_t bad = rows.clear(row)) return bad;
@@ -205,7 +236,7 @@ sdk_ret_t sltcam::impl::get(const sdk_table_api_params_ *params) const {
     if (params == nullptr || params->key == nullptr) return SDK_RET_INVALID_ARG;
     const std::shared_lock lock(mutex);
     const uint32_t row = find(params);
-    if (row == none) return SDK_RET_ENTRY_NOT_FOUND;
+    if (row == none) return absent();
     record_bytes data;
     if (sdk_ret_t bad = rows.read(row, data)) return bad;
     if (params->data != nullptr) std::memcpy(params->data, data.data(), rows.data_bytes());

@@ -64,7 +64,7 @@ answer flow_lookup(adapter &hardware, const uint8_t *key_image) {
     out.row = out.hashed_row;
     for (unsigned i = 0; i < longest_walk; ++i) {
         flow_image row = {};
-        hardware.hbm_read(out.table, out.row, row.data(), &out.bits);
+        out.unread = hardware.hbm_read(out.table, out.row, row.data(), &out.bits);
         if (i == 0) out.row_in_use = out.bits != 0;
         if (out.bits != 0 && holds_key(row, key_image)) {
             out.hit = true;
@@ -72,7 +72,8 @@ answer flow_lookup(adapter &hardware, const uint8_t *key_image) {
             return out;
         }
         const uint32_t next = out.bits == 0 ? 0 : next_row(row, hint_hash(hash));
-        if (next == 0 || next >= hardware.depth(flow_ohash_table)) break;
+        if (out.unread != SDK_RET_OK || next == 0 || next >= hardware.depth(flow_ohash_table))
+            break;
         out.table = flow_ohash_table;
         out.row = next;
     }

@@ -18,9 +18,9 @@ void read_data(adapter &hardware, uint32_t tableid, uint32_t row, answer &out) {
     uint8_t image[read_bytes] = {};
     const table_memory *table = table_memory_of(tableid);
     if (table->data == memory::hbm) {
-        hardware.hbm_read(tableid, row, image, &out.bits);
+        out.unread = hardware.hbm_read(tableid, row, image, &out.bits);
     } else {
-        hardware.sram_read(tableid, row, image, &out.bits);
+        out.unread = hardware.sram_read(tableid, row, image, &out.bits);
         p4pd_utils_swizzle_bytes(image, out.bits);
     }
     out.image.assign(image, image + bits::bytes_of(out.bits));
@@ -35,7 +35,7 @@ bool key_is(const answer &row, const uint8_t *key_image, uint32_t key_bits) {
 }
 
 // The lowest row of a TCAM whose ones the key has (x) and whose zeros it has not (y).
-bool search_tcam(adapter &hardware, const table_memory &table, const uint8_t *key_image,
+void search_tcam(adapter &hardware, const table_memory &table, const uint8_t *key_image,
                  answer &out) {
     uint8_t key[read_bytes] = {};
     bits::copy_image(key, 0, key_image, 0, table.key_bits);
@@ -44,18 +44,18 @@ bool search_tcam(adapter &hardware, const table_memory &table, const uint8_t *ke
          row = hardware.next_used(table.id, row + 1)) {
         uint8_t x[read_bytes] = {}, y[read_bytes] = {};
         uint16_t width = 0;
-        hardware.tcam_read(table.id, row, x, y, &width);
+        out.unread = hardware.tcam_read(table.id, row, x, y, &width);
+        if (out.unread != SDK_RET_OK) return;
         bool matches = width != 0;
         for (uint32_t i = 0; i < width / 8u; ++i)
             matches = matches && (key[i] & x[i]) == x[i] && (key[i] & y[i]) == 0;
         if (!matches) continue;
-        out.hit = true;
         out.table = table.id;
         out.row = row;
         read_data(hardware, table.id, row, out);
-        return true;
+        out.hit = out.unread == SDK_RET_OK;
+        return;
     }
-    return false;
 }
 
 }  // namespace
@@ -74,6 +74,7 @@ answer lookup(adapter &hardware, uint32_t tableid, const uint8_t *key_image) {
     out.hashed_row = hash_row(tableid, key_image, hardware.depth(tableid));
     answer in_row = out;
     read_data(hardware, tableid, out.hashed_row, in_row);
+    if (in_row.unread != SDK_RET_OK) return in_row;
     out.row_in_use = in_row.row_in_use = in_row.bits != 0;
     if (key_is(in_row, key_image, table->key_bits)) {
         in_row.hit = true;

@@ -21,6 +21,8 @@ namespace halden::host::view {
 
 struct answer {
     bool hit = false;
+    // Why memory could not be read on the way; then it is no hit, and no miss either.
+    sdk_ret_t unread = SDK_RET_OK;
     uint32_t table = 0;          // that matched: the table asked for, or its overflow
     uint32_t row = 0;            // of that table
     uint16_t bits = 0;           // of the data row

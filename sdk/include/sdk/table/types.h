@@ -17,6 +17,7 @@ typedef enum sdk_ret_ : uint32_t {
     SDK_RET_HW_PROGRAM_ERR = 7,  // the ASIC layer refused a write
     SDK_RET_HW_READ_ERR = 8,     // the ASIC layer refused a read
     SDK_RET_RETRY = 10,          // a writer kept changing what was being read
+    SDK_RET_DAMAGED = 11,        // the memory holds what no write leaves there
     SDK_RET_ERR = 255,
 } sdk_ret_t;
 
