@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -91,6 +92,18 @@ std::vector<const flow_crc::routines *> every_routine() {
 
 INSTANTIATE_TEST_SUITE_P(Routines, Crc, testing::ValuesIn(every_routine()),
                          [](const auto &tested) { return std::string(tested.param->name); });
+
+// Run once more on an emulated processor without carry-less multiplication, where the library
+// itself has nothing but the portable routine.
+TEST(CrcChoice, TheEmulatedProcessorHasThePortableRoutineOnly) {
+    if (std::getenv("HALDEN_OLD_PROCESSOR") == nullptr) GTEST_SKIP() << "not emulated";
+    EXPECT_EQ(flow_crc::accelerated(), nullptr);
+    EXPECT_EQ(&flow_crc::best(), &flow_crc::portable);
+}
+TEST(CrcChoice, AProcessorThatHasTheFastRoutineUsesIt) {
+    if (flow_crc::accelerated() == nullptr) GTEST_SKIP() << "it has none";
+    EXPECT_EQ(&flow_crc::best(), flow_crc::accelerated());
+}
 
 // --- genhash_
 

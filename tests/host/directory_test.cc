@@ -79,6 +79,30 @@ TEST_F(Directory, MemoriesAreFilesMadeAtTheFirstUse) {
                                               "table-03.sram", "table-21.hbm", "table-02.hbm"));
 }
 
+// State words of 4 bytes a row up to a page border, then two images of 64 bytes a row; of a flow
+// table rows of 128 bytes alone.
+TEST_F(Directory, AMemoryFileHasTheSizeOfItsRows) {
+    const auto made = adapter::open(path(), {.flow_rows = 64, .flow_ohash_rows = 32});
+    const bytes image(128, 0x11);
+    made->sram_write(16, 0, image.data(), 49, nullptr);
+    made->sram_write(3, 0, image.data(), 48, nullptr);
+    made->sram_write(39, 0, image.data(), 49, nullptr);
+    made->tcam_write(7, 0, image.data(), image.data(), 32);
+    made->hbm_write(21, 0, image.data(), 328);
+    made->hbm_write(2, 0, image.data(), 1024);
+    made->hbm_write(1, 0, image.data(), 1024);
+    const auto size_of = [&](const char *name) {
+        return std::filesystem::file_size(path() + "/" + name);
+    };
+    EXPECT_EQ(size_of("table-16.sram"), 4096u + 1024 * 128);
+    EXPECT_EQ(size_of("table-03.sram"), 20480u + 4608 * 128) << "the overflow's data is in it";
+    EXPECT_EQ(size_of("table-39.sram"), 4096u + 128);
+    EXPECT_EQ(size_of("table-07.tcam"), 4096u + 512 * 128);
+    EXPECT_EQ(size_of("table-21.hbm"), 8388608u + 2097152 * 128);
+    EXPECT_EQ(size_of("table-02.hbm"), 8192u);
+    EXPECT_EQ(size_of("table-01.hbm"), 4096u);
+}
+
 TEST_F(Directory, KeepsEveryKindOfRow) {
     const bytes image(128, 0x5a);
     {
