@@ -2,6 +2,7 @@
 // of a chain.
 
 #include "tests/engines/flow_bed.h"
+#include "tests/engines/flow_derived.h"
 
 #include <gtest/gtest.h>
 
@@ -167,6 +168,49 @@ TEST(FlowCalls, DoNotTakeTheCallersHints) {
 }
 
 // --- Full
+
+// Its comparison writes the very flow that is being read, before every look at it.
+class restless_entry : public flow_hash_entry_t {
+  public:
+    restless_entry(flow_bed &bed, const flow_hash_entry_t &like, uint32_t times)
+        : flow_hash_entry_t(like), bed_(bed), left_(times) {}
+    bool compare_key(void *other) override {
+        ++compared;
+        if (left_ > 0) {
+            --left_;
+            EXPECT_EQ(bed_.update(1, ++written), SDK_RET_OK);
+        }
+        return flow_hash_entry_t::compare_key(other);
+    }
+    static inline uint32_t written = 0, compared = 0;
+
+  private:
+    flow_bed &bed_;
+    uint32_t left_;
+};
+class table_of_restless_entries : public flow_hash {
+  public:
+    base_table_entry_t *get_entry(uint16_t row, int column) override {
+        return column == 0 && restless != nullptr ? restless : flow_hash::get_entry(row, column);
+    }
+    static inline base_table_entry_t *restless = nullptr;
+};
+
+// A reader that every look finds a writer's change takes the lock in the end.
+TEST(FlowCalls, AReaderComesToAnEndWhateverWritersDo) {
+    flow_bed bed({1, 4}, make_table<table_of_restless_entries>);
+    ASSERT_EQ(bed.insert(1, 5), SDK_RET_OK);
+    restless_entry restless(bed, entry_of(1), 256);
+    table_of_restless_entries::restless = &restless;
+    flow_hash_entry_t plain = entry_of(1);
+    derived_entry asked(plain);
+    sdk_table_api_params_t call = {};
+    call.entry = &asked;
+    EXPECT_EQ(bed.table().get(&call), SDK_RET_OK);
+    table_of_restless_entries::restless = nullptr;
+    EXPECT_EQ(restless_entry::compared, 257u);
+    EXPECT_EQ(flow_layout::get_bits<flow_layout::flow_idx>(asked.body()), 256u);
+}
 
 TEST(FlowFull, RefusesWithACodeAndChangesNothing) {
     for (const host::adapter_options depths :

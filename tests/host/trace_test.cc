@@ -97,6 +97,12 @@ TEST_F(Trace, TheLevelHoldsMessagesBack) {
     EXPECT_EQ(written(), "error|error\ninfo|everything\n");
 }
 
+// A wide character that the locale cannot write: the format itself is better than nothing.
+TEST_F(Trace, AMessageThatCannotBeExpandedIsWrittenAsItsFormat) {
+    EXPECT_EQ(g_trace_cb(11, 1, "before %ls after", L"\x20ac"), -1);
+    EXPECT_EQ(written(), "error|before %ls after\n");
+}
+
 TEST_F(Trace, ANameThatIsNoLevelChangesNothing) {
     ASSERT_TRUE(trace::set_level("error"));
     for (const char *name : {"", "err", "Error", "verbose", "0"})
