@@ -1,7 +1,7 @@
 // A program of somebody else's: made from the installed package alone, with NDEBUG.
 
-#include <host/adapter.h>
-#include <p4pd.h>
+#include <halden/host/adapter.h>
+#include <halden/p4pd.h>
 
 #include <sys/wait.h>
 #include <unistd.h>

@@ -3,11 +3,9 @@
 #include <stddef.h>
 #include <string.h>
 
-#include "p4pd_records.h"
-#if __has_include("tev_tbl.h")
-#include "tev_tbl.h"
-#include "tev_tbl_ret.h"
-#endif
+#include <halden/p4pd_records.h>
+#include <halden/tev_tbl.h>
+#include <halden/tev_tbl_ret.h>
 
 void c_fill_lif_mapping(void *room, unsigned lport, unsigned vrf);
 void c_fill_lif_mapping(void *room, unsigned lport, unsigned vrf) {
