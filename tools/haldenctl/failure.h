@@ -48,7 +48,8 @@ decltype(auto) typed(Read read) {
     }
 }
 
-// Text as one line that leaves the terminal as it is: control characters as \x and two digits.
+// Text as one line that leaves the terminal as it is: control characters, and bytes that are no
+// UTF-8, as \x and two digits.
 std::string printable(std::string_view text);
 // What was given, as an error quotes it: printable, and cut when it is long, between characters.
 std::string quotable(std::string_view given);
