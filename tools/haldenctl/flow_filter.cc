@@ -33,16 +33,12 @@ address_prefix prefix_of(const char *option, const std::string &text) {
         throw failure(std::string(option) + ": '" + quotable(address) +
                       "' is no IP address; allowed: 192.0.2.1, 192.0.2.0/24, 2001:db8::/32");
     out.length = most;
-    if (slash != text.npos) {
-        try {
-            out.length = static_cast<unsigned>(parse_value(text.substr(slash + 1), 8));
-        } catch (const failure &) {
-            out.length = most + 1;
-        }
+    if (slash == text.npos) return out;
+    try {
+        out.length = prefix_length(std::string_view(text).substr(slash + 1), most);
+    } catch (const failure &error) {
+        throw error.inside(option);
     }
-    if (out.length > most)
-        throw failure(std::string(option) + ": " + quotable(text.substr(slash)) +
-                      " is no prefix length; allowed: 0 to " + std::to_string(most));
     return out;
 }
 

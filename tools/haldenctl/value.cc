@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <optional>
 
 #include "tools/haldenctl/failure.h"
@@ -30,19 +31,22 @@ size_t character_size(std::string_view text) {
     return size;
 }
 
-// Nothing when `text` is no number of the base; digits may be grouped by '_'.
+// Nothing when `text` is no number of the base. A '_' may stand between two digits.
 std::optional<wide> number_of(std::string_view text, unsigned base, bool &too_wide) {
     wide value = 0;
-    bool any = false;
+    bool digit_before = false;
     for (char c : text) {
-        if (c == '_' && any) continue;
+        if (c == '_' && digit_before) {
+            digit_before = false;
+            continue;
+        }
         const unsigned digit = static_cast<unsigned>(digit_of(c));
         if (digit >= base) return std::nullopt;
         if (value > (~wide{0} - digit) / base) too_wide = true;
         value = value * base + digit;
-        any = true;
+        digit_before = true;
     }
-    if (!any) return std::nullopt;
+    if (!digit_before) return std::nullopt;
     return value;
 }
 
@@ -87,6 +91,14 @@ wide fitting(std::string_view text, wide value, unsigned bits, bool too_wide = f
     return value;
 }
 
+failure no_value(std::string_view text, unsigned bits) {
+    return failure(quoted(text) + " is no value; allowed: " + range_of(bits) +
+                   (bits == mac_bits    ? ", or a MAC address"
+                    : bits == ipv4_bits ? ", or an IPv4 address"
+                    : bits == ipv6_bits ? ", or an IP address"
+                                        : ""));
+}
+
 // "0x10", "10.0.0.0", ... without a mask.
 wide plain(std::string_view text, unsigned bits) {
     if (text.empty()) throw failure("no value was given; allowed: " + range_of(bits));
@@ -113,12 +125,15 @@ wide plain(std::string_view text, unsigned bits) {
                           std::to_string(bits) + " bits; allowed: " + range_of(bits));
         return *mac;
     }
+    // What looks like an address is called a wrong one only where an address may stand.
+    const bool for_ip = bits == ipv4_bits || bits == ipv6_bits;
     if (text.find('.') != text.npos && text.find(':') == text.npos) {
         const auto address = address_of<4>(AF_INET, text);
+        if (!address && !for_ip) throw no_value(text, bits);
         if (!address)
             throw failure(quoted(text) +
                           " is no IPv4 address; allowed: four numbers from 0 to 255, as 192.0.2.1");
-        if (bits != ipv4_bits && bits != ipv6_bits)
+        if (!for_ip)
             throw failure("the IPv4 address " + quotable(text) + " does not fit " +
                           std::to_string(bits) + " bits; allowed: " + range_of(bits));
         return *address;
@@ -129,6 +144,7 @@ wide plain(std::string_view text, unsigned bits) {
                 quoted(text) +
                 " is no MAC address; allowed: six pairs of hex digits, as 02:00:5e:10:00:01");
         const auto address = address_of<16>(AF_INET6, text);
+        if (!address && !for_ip) throw no_value(text, bits);
         if (!address)
             throw failure(quoted(text) +
                           " is no IPv6 address; allowed: groups of hex digits, as 2001:db8::1");
@@ -137,11 +153,7 @@ wide plain(std::string_view text, unsigned bits) {
                           std::to_string(bits) + " bits; allowed: " + range_of(bits));
         return *address;
     }
-    throw failure(quoted(text) + " is no value; allowed: " + range_of(bits) +
-                  (bits == mac_bits    ? ", or a MAC address"
-                   : bits == ipv4_bits ? ", or an IPv4 address"
-                   : bits == ipv6_bits ? ", or an IP address"
-                                       : ""));
+    throw no_value(text, bits);
 }
 
 // The mask of `length` leading bits.
@@ -149,17 +161,21 @@ wide prefix_mask(std::string_view value, std::string_view length, unsigned bits)
     // An IPv4 address in a wider field stands in its low 32 bits, and so do its prefixes.
     const bool v4 = value.find('.') != value.npos && value.find(':') == value.npos;
     const unsigned most = v4 ? ipv4_bits : bits;
-    bool too_wide = false;
-    const auto number = number_of(length, 10, too_wide);
-    if (!number || too_wide || *number > most)
-        throw failure("/" + quotable(length) + " is no prefix length; allowed: 0 to " +
-                      std::to_string(most));
-    const auto leading = static_cast<unsigned>(*number);
+    const unsigned leading = prefix_length(length, most);
     const wide low = leading == 0 ? 0 : all_ones(leading) << (most - leading);
     return low | (all_ones(bits) & ~all_ones(most));
 }
 
 }  // namespace
+
+unsigned prefix_length(std::string_view text, unsigned most) {
+    unsigned value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size() || value > most)
+        throw failure("/" + quotable(text) + " is no prefix length; allowed: 0 to " +
+                      std::to_string(most));
+    return value;
+}
 
 notation notation_of(std::string_view field, unsigned bits) {
     const auto has = [&](std::string_view part) { return field.find(part) != field.npos; };

@@ -2,8 +2,9 @@
 
 // Field values as network engineers write them, and back.
 //
-//     1500   0x5dc   0b101   1_000_000   true      any field that is wide enough
-//     02:00:5e:10:00:01                            48 bits
+//     1500   0x5dc   0b101   1_000_000             any field that is wide enough
+//     true   false                                 one bit
+//     02:00:5e:10:00:01   02-00-5E-10-00-01        48 bits
 //     192.0.2.1                                    32 bits, or the low ones of 128
 //     2001:db8::1                                  128 bits
 //     0x10&&&0xf0   10.0.0.0/8   *                 ternary keys: value and mask
@@ -34,6 +35,9 @@ constexpr wide all_ones(unsigned bits) { return bits >= 128 ? ~wide{0} : (wide{1
 wide parse_value(std::string_view text, unsigned bits);
 // With a mask or without; a value with bits outside its mask is refused, as it matches nothing.
 written_value parse_masked(std::string_view text, unsigned bits);
+
+// Behind the slash of a prefix: decimal digits, 0 to `most`.
+unsigned prefix_length(std::string_view text, unsigned most);
 
 std::string decimal(wide value);
 std::string hexadecimal(wide value);  // with 0x, without leading zeros
