@@ -12,6 +12,7 @@
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/entry_file.h"
 #include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/given_entry.h"
 #include "tools/haldenctl/screen.h"
 
 namespace halden::tool {
@@ -198,7 +199,13 @@ void add_write(CLI::App &app, const options &given) {
         "     \"action\": \"update_no_checksum\"}\n"
         "  ]}\n"
         "\n"
-        "Without an index, exact-match tables take the row of the key's hash.");
+        "Without an index, exact-match tables take the row of the key's hash.\n"
+        "\n"
+        "A file is read as it comes and holds up to " +
+        std::to_string(file_limits::entries) + " entries; an entry takes up to\n" +
+        std::to_string(file_limits::bytes_of_entry) + " bytes and " +
+        std::to_string(file_limits::members_of_entry) + " members, with up to " +
+        std::to_string(file_limits::levels) + " lists and objects in one another.");
     auto path = std::make_shared<std::string>();
     auto quiet = std::make_shared<bool>(false);
     command->add_option("FILE", *path, "The entries; - is standard input")->required();

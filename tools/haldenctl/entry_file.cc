@@ -1,11 +1,10 @@
 #include "tools/haldenctl/entry_file.h"
 
-#include <algorithm>
-#include <fstream>
-#include <iostream>
-#include <set>
+#include <ranges>
 
 #include "tools/haldenctl/adapter_view.h"
+#include "tools/haldenctl/given_entry.h"
+#include "tools/haldenctl/input_file.h"
 #include "tools/haldenctl/naming.h"
 
 namespace halden::tool {
@@ -13,70 +12,39 @@ namespace halden::tool {
 namespace {
 
 using namespace pipeline;
+using kind_given = given_value::kind;
 
-// Entries need four levels; what prints a value goes down all of them, on the stack.
-constexpr int most_levels = 64;
-
-// nlohmann-json keeps the last of two members of one name without a word, and takes any depth.
-class member_names {
-  public:
-    void see(int depth, json::parse_event_t event, const json &parsed) {
-        if (depth > most_levels)
-            throw failure("lists and objects stand in one another more than " +
-                          std::to_string(most_levels) + " deep; allowed: the levels of entries");
-        if (event == json::parse_event_t::array_start && depth == 0) entry_depth_ = 1;
-        if (event == json::parse_event_t::object_start) {
-            open_.emplace_back();
-            if (depth == entry_depth_) ++entries_;
-        }
-        if (event == json::parse_event_t::object_end) open_.pop_back();
-        if (event == json::parse_event_t::key && !open_.back().insert(parsed).second) {
-            const failure twice("the member '" + parsed.get<std::string>() + "' is given twice");
-            throw depth > entry_depth_ ? twice.inside("entry " + std::to_string(entries_)) : twice;
-        }
-    }
-
-  private:
-    int entry_depth_ = 2;  // in the list of an object; or of a bare list
-    size_t entries_ = 0;
-    std::vector<std::set<std::string>> open_;
-};
-
-// "line 3, column 7: syntax error ..." without the library's own prefix.
-std::string reason_of(const std::exception &error) {
-    std::string text = error.what();
-    if (const size_t at = text.find("parse error at "); at != text.npos) text.erase(0, at + 15);
-    if (const size_t at = text.find(": syntax error"); at != text.npos)
-        if (const size_t dash = text.find(" - ", at); dash != text.npos)
-            text = text.substr(0, at) + ": " + text.substr(dash + 3);
-    return text;
-}
-
-std::string kind_of(const json &value) { return quotable(value.dump()); }
-
-const json &object(const json &value, const char *what) {
-    if (!value.is_object())
-        throw failure(std::string(what) + ": " + kind_of(value) +
+// The members of an object of fields, without its comment.
+auto fields_of(const given_value &value, const char *what) {
+    if (!value.is(kind_given::object))
+        throw failure(std::string(what) + ": " + value.shown() +
                       " was given; allowed: an object of fields and values");
-    return value;
+    return std::views::filter(value.members,
+                              [](const auto &member) { return member.first != "comment"; });
 }
 
-std::string text_of(const json &value, const char *what) {
-    if (value.is_string()) return value.get<std::string>();
-    if (value.is_number_unsigned()) return value.dump();
-    throw failure(std::string(what) + ": " + kind_of(value) +
+const std::string &text_of(const given_value &value, const char *what) {
+    if (value.is(kind_given::text) || value.is_whole_number()) return value.text;
+    throw failure(std::string(what) + ": " + value.shown() +
                   " was given; allowed: a name or an id");
 }
 
-void read_key(records &entry, const json &fields) {
+// One field's value: a number, true or false, or text in parse_value's notations.
+written_value value_of(const given_value &given, unsigned bits, bool may_be_masked) {
+    if (given.is(kind_given::text) && may_be_masked) return parse_masked(given.text, bits);
+    if (given.is(kind_given::text) || given.is(kind_given::boolean) || given.is_whole_number())
+        return {parse_value(given.text, bits), all_ones(bits), false};
+    throw failure(given.shown() + " was given; allowed: " + range_of(bits));
+}
+
+void read_key(records &entry, const given_value &fields) {
     const table &t = *entry.of;
     if (!is_keyed(t.kind))
         throw failure("key: the table has no key; its entries are placed by \"index\"");
-    for (const auto &[name, value] : object(fields, "key").items()) {
-        if (name == "comment") continue;
+    for (const auto &[name, value] : fields_of(fields, "key")) {
         const size_t n = field_named(t.key, name, "key field");
         try {
-            const written_value v = json_value(value, t.key[n].bits, has_mask(t.kind));
+            const written_value v = value_of(value, t.key[n].bits, has_mask(t.kind));
             entry.set_key(n, v.value, v.mask);
         } catch (const failure &error) {
             throw error.inside("key." + name);
@@ -93,26 +61,25 @@ size_t data_field(const records &entry, const std::string &name) {
     }
 }
 
-void read_data(records &entry, const json &fields) {
+void read_data(records &entry, const given_value &fields) {
     const auto known = entry.action()->fields;
-    for (const auto &[name, value] : object(fields, "data").items()) {
-        if (name == "comment") continue;
+    for (const auto &[name, value] : fields_of(fields, "data")) {
         const size_t n = data_field(entry, name);
         try {
-            entry.set_data(n, json_value(value, known[n].bits, false).value);
+            entry.set_data(n, value_of(value, known[n].bits, false).value);
         } catch (const failure &error) {
             throw error.inside("data." + name);
         }
     }
 }
 
-uint32_t index_of_fields(const table &t, const json &fields) {
+uint32_t index_of_fields(const table &t, const given_value &fields) {
     uint32_t index = 0;
     std::vector<wide> values(t.index.size());
-    for (const auto &[name, value] : fields.items()) {
+    for (const auto &[name, value] : fields_of(fields, "index")) {
         const size_t n = field_named(t.index, name, "index field");
         try {
-            values[n] = json_value(value, t.index[n].bits, false).value;
+            values[n] = value_of(value, t.index[n].bits, false).value;
         } catch (const failure &error) {
             throw error.inside("index." + name);
         }
@@ -122,19 +89,21 @@ uint32_t index_of_fields(const table &t, const json &fields) {
     return index;
 }
 
-uint32_t read_index(const table &t, const json &value) {
-    if (value.is_object()) return index_of_fields(t, value);
+uint32_t read_index(const table &t, const given_value &value) {
+    if (value.is(kind_given::object)) return index_of_fields(t, value);
+    if (value.is(kind_given::list))
+        throw failure("index: a list was given; allowed: a row, or an object of index fields");
     try {
-        return parse_row(t, value.is_string() ? value.get<std::string>() : value.dump());
+        return parse_row(t, value.text);
     } catch (const failure &error) {
         throw error.inside("index");
     }
 }
 
-void read_entry(file_entry &out, const json &given) {
+void read_entry(file_entry &out, const given_value &given) {
     const table &t = *out.entry.of;
-    const json *key = nullptr, *data = nullptr, *action = nullptr;
-    for (const auto &[name, value] : given.items()) {
+    const given_value *key = nullptr, *data = nullptr, *action = nullptr;
+    for (const auto &[name, value] : given.members) {
         if (name == "key")
             key = &value;
         else if (name == "data")
@@ -158,80 +127,52 @@ void read_entry(file_entry &out, const json &given) {
     if (key == nullptr && is_hash(t.kind)) throw failure("key: none was given");
 }
 
-json entries_of(json &whole) {
-    if (whole.is_array()) return std::move(whole);
-    if (!whole.is_object())
-        throw failure(kind_of(whole) + " was given; allowed: {\"entries\": [ ... ]}");
-    for (const auto &[name, value] : whole.items())
-        if (name != "entries" && name != "comment")
-            throw failure(unknown("member", name, {"entries", "comment"}));
-    if (!whole.contains("entries")) throw failure("no \"entries\" are given");
-    if (!whole["entries"].is_array())
-        throw failure("entries: " + kind_of(whole["entries"]) + " was given; allowed: a list");
-    return std::move(whole["entries"]);
+const table &table_of(const given_value &given) {
+    if (!given.is(kind_given::object))
+        throw failure(given.shown() + " was given; allowed: an object with a \"table\"");
+    for (const auto &[name, value] : given.members)
+        if (name == "table") return table_named(text_of(value, "table"));
+    throw failure("no \"table\" is given");
 }
 
-// The whole of a file. nlohmann-json would take a NUL for its end.
-std::string content_of(std::istream &in) {
-    std::string out;
-    char piece[1 << 16];
-    while (in.read(piece, sizeof piece) || in.gcount() != 0)
-        out.append(piece, static_cast<size_t>(in.gcount()));
-    if (in.bad()) throw failure("cannot be read");
-    if (const auto nul = std::find(out.begin(), out.end(), '\0'); nul != out.end())
-        throw failure("line " + std::to_string(1 + std::count(out.begin(), nul, '\n')) +
-                      ": a NUL byte stands there; allowed: text");
+std::vector<file_entry> entries_of(byte_source source, const std::string &name) {
+    std::vector<file_entry> out;
+    try {
+        text_input text(std::move(source));
+        read_given_entries(text, [&](size_t number, const given_value &given) {
+            std::string place = "entry " + std::to_string(number);
+            try {
+                const table &t = table_of(given);
+                place += " (" + std::string(t.name) + ")";
+                out.emplace_back(t);
+                out.back().place = name + ": " + place;
+                read_entry(out.back(), given);
+            } catch (const failure &error) {
+                throw error.inside(place);
+            }
+        });
+    } catch (const failure &error) {
+        throw error.inside(name);
+    }
     return out;
 }
 
 }  // namespace
 
-written_value json_value(const json &value, unsigned bits, bool may_be_masked) {
-    if (value.is_string())
-        return may_be_masked ? parse_masked(value.get<std::string>(), bits)
-                             : written_value{parse_value(value.get<std::string>(), bits),
-                                             all_ones(bits), false};
-    if (value.is_boolean() || value.is_number_unsigned())
-        return {parse_value(value.dump(), bits), all_ones(bits), false};
-    throw failure(kind_of(value) + " was given; allowed: " + range_of(bits));
-}
-
 std::vector<file_entry> read_entries(std::istream &in, const std::string &name) {
-    std::vector<file_entry> out;
-    std::string place = name;
-    try {
-        member_names names;
-        json whole =
-            json::parse(content_of(in), [&](int depth, json::parse_event_t event, json &parsed) {
-                names.see(depth, event, parsed);
-                return true;
-            });
-        const json entries = entries_of(whole);
-        size_t number = 0;
-        for (const json &given : entries) {
-            place = name + ": entry " + std::to_string(++number);
-            if (!given.is_object())
-                throw failure(kind_of(given) + " was given; allowed: an object with a \"table\"");
-            if (!given.contains("table")) throw failure("no \"table\" is given");
-            const table &t = table_named(text_of(given["table"], "table"));
-            place += " (" + std::string(t.name) + ")";
-            out.emplace_back(t);
-            out.back().place = place;
-            read_entry(out.back(), given);
-        }
-    } catch (const failure &error) {
-        throw error.inside(place);
-    } catch (const json::exception &error) {
-        throw failure(place + ": " + reason_of(error));
-    }
-    return out;
+    return entries_of(
+        [&in](char *to, size_t most) {
+            in.read(to, static_cast<std::streamsize>(most));
+            if (in.bad()) throw failure("cannot be read");
+            return static_cast<size_t>(in.gcount());
+        },
+        name);
 }
 
 std::vector<file_entry> read_entry_file(const std::string &path) {
-    if (path == "-") return read_entries(std::cin, "standard input");
-    std::ifstream in(path);
-    if (!in) throw failure(path + ": cannot be read");
-    return read_entries(in, path);
+    const bool standard_input = path == "-";
+    const input_file file = standard_input ? input_file::standard_input() : input_file(path);
+    return entries_of([&file](char *to, size_t most) { return file.read(to, most); }, file.name());
 }
 
 json to_json(const records &entry, uint32_t index) {

@@ -17,8 +17,9 @@
 //   * "action" may be left out where the table has one; data fields that are not given are 0;
 //   * "comment" is free, everywhere.
 //
-// A file is read whole and checked before anything is done with it. Errors say which entry and
-// which field, what was given and what is allowed.
+// A file is read and checked to its end before anything is done with it; it comes as a stream, and
+// only its entries are kept (given_entry.h has the limits). Errors say which entry and which field,
+// or line and column, what was given and what is allowed.
 
 #include <functional>
 #include <istream>
@@ -44,9 +45,6 @@ struct file_entry {
 std::vector<file_entry> read_entries(std::istream &in, const std::string &name);
 // "-" is standard input.
 std::vector<file_entry> read_entry_file(const std::string &path);
-
-// One field's value from JSON: a number, true or false, or text in parse_value's notations.
-written_value json_value(const json &value, unsigned bits, bool may_be_masked);
 
 // The entry as it stands in a file; what a reader would assume anyway is left out.
 json to_json(const records &entry, uint32_t index);
