@@ -1,7 +1,7 @@
 # Sourced by ./try and ./check: installs the Debian packages a step needs, when one is missing.
 
 halden_build_packages="g++ cmake ninja-build pkg-config libspdlog-dev libfmt-dev libcli11-dev nlohmann-json3-dev libpcap-dev"
-halden_test_packages="libgtest-dev libgmock-dev binutils clang-14 clang-format-16 clang-tidy-16 libclang-rt-14-dev qemu-user"
+halden_test_packages="libgtest-dev libgmock-dev binutils abigail-tools clang-14 clang-format-16 clang-tidy-16 libclang-rt-14-dev qemu-user"
 halden_coverage_packages="gcovr python3"
 halden_bench_packages="libbenchmark-dev libabsl-dev libdpdk-dev libisal-dev"
 
