@@ -1,7 +1,5 @@
 #include "tools/haldenctl/entry_file.h"
 
-#include <ranges>
-
 #include "tools/haldenctl/adapter_view.h"
 #include "tools/haldenctl/given_entry.h"
 #include "tools/haldenctl/input_file.h"
@@ -14,13 +12,11 @@ namespace {
 using namespace pipeline;
 using kind_given = given_value::kind;
 
-// The members of an object of fields, without its comment.
-auto fields_of(const given_value &value, const char *what) {
+const std::vector<given_member> &fields_of(const given_value &value, const char *what) {
     if (!value.is(kind_given::object))
         throw failure(std::string(what) + ": " + value.shown() +
                       " was given; allowed: an object of fields and values");
-    return std::views::filter(value.members,
-                              [](const auto &member) { return member.first != "comment"; });
+    return value.members;
 }
 
 const std::string &text_of(const given_value &value, const char *what) {
@@ -42,6 +38,7 @@ void read_key(records &entry, const given_value &fields) {
     if (!is_keyed(t.kind))
         throw failure("key: the table has no key; its entries are placed by \"index\"");
     for (const auto &[name, value] : fields_of(fields, "key")) {
+        if (name == "comment") continue;
         const size_t n = field_named(t.key, name, "key field");
         try {
             const written_value v = value_of(value, t.key[n].bits, has_mask(t.kind));
@@ -64,6 +61,7 @@ size_t data_field(const records &entry, const std::string &name) {
 void read_data(records &entry, const given_value &fields) {
     const auto known = entry.action()->fields;
     for (const auto &[name, value] : fields_of(fields, "data")) {
+        if (name == "comment") continue;
         const size_t n = data_field(entry, name);
         try {
             entry.set_data(n, value_of(value, known[n].bits, false).value);
@@ -77,6 +75,7 @@ uint32_t index_of_fields(const table &t, const given_value &fields) {
     uint32_t index = 0;
     std::vector<wide> values(t.index.size());
     for (const auto &[name, value] : fields_of(fields, "index")) {
+        if (name == "comment") continue;
         const size_t n = field_named(t.index, name, "index field");
         try {
             values[n] = value_of(value, t.index[n].bits, false).value;

@@ -140,9 +140,9 @@ bool entry_reader::key(std::string &name) {
                 throw failure("more than " + std::to_string(file_limits::members_of_entry) +
                               " members are given; allowed: up to that, those of its objects "
                               "included");
-            given_value &object = here() == level::entry ? entry_ : entry_.members.back().second;
-            for (const auto &[other, value] : object.members)
-                if (other == name_) refuse_twice(name_);
+            given_value &object = here() == level::entry ? entry_ : entry_.members.back().value;
+            for (const given_member &other : object.members)
+                if (other.name == name_) refuse_twice(name_);
         } catch (const failure &error) {
             throw error.inside(entry_called(number_));
         }
@@ -174,11 +174,11 @@ entry_reader::level entry_reader::taken(given_value value) {
             return object ? level::entry : level::stepped_over;
         case level::entry: {
             const bool fields = object && name_ != "comment";
-            entry_.members.emplace_back(std::move(name_), std::move(value));
+            entry_.members.push_back({std::move(name_), std::move(value)});
             return fields ? level::fields : level::stepped_over;
         }
         case level::fields:
-            entry_.members.back().second.members.emplace_back(std::move(name_), std::move(value));
+            entry_.members.back().value.members.push_back({std::move(name_), std::move(value)});
             return level::stepped_over;
         case level::stepped_over:
             break;

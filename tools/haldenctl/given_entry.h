@@ -10,7 +10,6 @@
 
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "tools/haldenctl/text_input.h"
@@ -26,17 +25,24 @@ struct file_limits {
     static constexpr size_t levels = 64;
 };
 
+struct given_member;
+
 struct given_value {
     enum class kind : uint8_t { null, boolean, number, text, list, object };
     kind what = kind::null;
     std::string text;  // of a text its characters; else what was written; empty for lists, objects
-    std::vector<std::pair<std::string, given_value>> members;  // of an object, in the file's order
+    std::vector<given_member> members;  // of an object, in the file's order
 
     bool is(kind k) const { return what == k; }
     // A number without sign, fraction or exponent, of any length.
     bool is_whole_number() const;
     // As an error shows it: 5, "text", a list.
     std::string shown() const;
+};
+
+struct given_member {
+    std::string name;
+    given_value value;
 };
 
 // Calls `each` with the number, from 1, and the value of every entry; it need not be an object. It
