@@ -236,7 +236,7 @@ int main(int argc, char **argv) try {
         return 2;
     }
     const std::filesystem::path root = argv[1];
-    const tool::opened_adapter adapter("");
+    const tool::opened_adapter adapter;
     std::mt19937_64 random(48);
     // The first and the last action of every table.
     for (const table *t : pipeline::tables)

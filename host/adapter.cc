@@ -6,8 +6,6 @@
 #include "host/memory/troubles.h"
 #include "host/trace/trace.h"
 
-#include <unistd.h>
-
 #include <stdexcept>
 
 namespace halden::host {
@@ -44,7 +42,9 @@ adapter *set_current(adapter *next) {
 }
 
 std::unique_ptr<adapter> adapter::anonymous(const adapter_options &options) {
-    return std::unique_ptr<adapter>(new adapter({}, options));
+    adapter_options own = options;
+    own.access = access::create;
+    return std::unique_ptr<adapter>(new adapter({}, own));
 }
 
 std::unique_ptr<adapter> adapter::open(const std::string &directory,
@@ -53,22 +53,20 @@ std::unique_ptr<adapter> adapter::open(const std::string &directory,
     return std::unique_ptr<adapter>(new adapter(directory, options));
 }
 
-adapter::adapter(std::string directory, const adapter_options &options)
-    : directory_(std::move(directory)),
-      options_(options),
-      troubles_(std::make_unique<trouble_list>()) {
+adapter::adapter(const std::string &directory, const adapter_options &options)
+    : directory_(directory), options_(options), troubles_(std::make_unique<trouble_list>()) {
     check_depth("flow_rows", options.flow_rows, table_memory_of(flow_table)->rows);
     check_depth("flow_ohash_rows", options.flow_ohash_rows,
                 table_memory_of(flow_ohash_table)->rows);
-    if (!directory_.empty())
-        lock_file_ = lock_directory(directory_, options.flow_rows, options.flow_ohash_rows);
+    if (!directory.empty())
+        files_ = std::make_unique<host::directory>(directory, options.access, options.flow_rows,
+                                                   options.flow_ohash_rows);
 }
 
 adapter::~adapter() {
     for (auto &kind : rows_)
         for (auto &rows : kind) delete rows.load();
     for (auto &rows : flows_) delete rows.load();
-    if (lock_file_ >= 0) close(lock_file_);
 }
 
 std::vector<std::string> adapter::troubles() const { return troubles_->texts(); }
@@ -80,15 +78,21 @@ uint32_t adapter::depth(uint32_t tableid) const {
     return table != nullptr ? table->rows : 0;
 }
 
-std::string adapter::path_of(memory where, uint32_t tableid) const {
-    return directory_.empty() ? std::string() : memory_file(directory_, where, tableid);
+bool adapter::keeps_rows() const {
+    return files_ != nullptr &&
+           (options_.access == access::create || options_.access == access::write);
+}
+
+backing adapter::backing_of(memory where, uint32_t tableid) {
+    if (files_ != nullptr) return files_->memory_of(where, tableid);
+    const bool flow = table_memory_of(tableid)->is_flow();
+    return {.on = {}, .how = mapping::shared, .pages = flow ? options_.flow_paging : paging::small};
 }
 
 std::string adapter::memory_name(memory where, uint32_t tableid) const {
-    const std::string path = path_of(where, tableid);
-    return !path.empty() ? path
-                         : "anonymous memory, " + std::string(name_of(where)) + " of table " +
-                               std::to_string(tableid);
+    return files_ != nullptr ? files_->name_of(where, tableid)
+                             : "anonymous memory, " + std::string(host::name_of(where)) +
+                                   " of table " + std::to_string(tableid);
 }
 
 // Memories are mapped when they are first touched: most uses of an adapter need few of them.
@@ -102,7 +106,7 @@ row_store *adapter::rows_of(memory where, uint32_t tableid) {
     try {
         const table_memory &table = *table_memory_of(tableid);
         const uint32_t depth = where == memory::sram ? sram_rows(table) : table.rows;
-        rows = new row_store(path_of(where, tableid), depth,
+        rows = new row_store(backing_of(where, tableid), depth,
                              where == memory::tcam ? tcam_lengths : row_lengths{});
         place.store(rows, std::memory_order_release);
     } catch (const std::exception &error) {
@@ -121,7 +125,7 @@ flow_rows *adapter::flow_rows_of(uint32_t tableid) {
     rows = place.load(std::memory_order_acquire);
     if (rows != nullptr) return rows;
     try {
-        rows = new flow_rows(path_of(memory::hbm, tableid), depth(tableid), options_.flow_paging);
+        rows = new flow_rows(backing_of(memory::hbm, tableid), depth(tableid));
         place.store(rows, std::memory_order_release);
     } catch (const std::exception &error) {
         trace::error("table %u: HBM cannot be mapped: %s", tableid, error.what());

@@ -36,12 +36,15 @@
 #include <memory>
 #include <mutex>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace halden::host {
 
+struct backing;
+class directory;
 class flow_rows;
 class row_store;
 class trouble_list;
@@ -61,21 +64,37 @@ struct row_change {
 };
 using observer = std::function<void(const row_change &)>;
 
+// How an adapter's directory is opened. Either one process has it for writing, or any number have
+// it for the other two.
+enum class access : uint8_t {
+    create,    // as `write`; an adapter is made where the directory is absent or empty
+    write,     // there must be one
+    read,      // there must be one. Nothing in it is made, marked or changed; rows are read alone
+    rehearse,  // there must be one. Rows are written as ever, and no other process ever sees it
+};
+
+// There is no adapter of that name, and `access` does not make one.
+class no_adapter : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
 struct adapter_options {
     // Powers of two, at most the pipeline's own: 22 bits of index, 21 bits of hint.
     uint32_t flow_rows = 4194304;
     uint32_t flow_ohash_rows = 2097152;
     // Of the flow memories of an anonymous adapter. Huge pages are for tables that will be full.
     paging flow_paging = paging::small;
+    host::access access = host::access::create;
 };
 
 class adapter {
   public:
     // Memory that goes with the process.
     static std::unique_ptr<adapter> anonymous(const adapter_options &options = {});
-    // Memory in `directory`, which is made when it is absent. An adapter of the directory that
-    // another process has open, or that was made with other options, is refused. Throws
-    // std::runtime_error with the path and the reason.
+    // Memory in `directory`, which is made when it is absent and `access` lets it be. An adapter
+    // that another process has open, other than for reading as this one does, or that was made with
+    // other options, is refused, and so is a directory of other files. Throws std::runtime_error
+    // with the path and the reason; no_adapter where none is made.
     static std::unique_ptr<adapter> open(const std::string &directory,
                                          const adapter_options &options = {});
     ~adapter();
@@ -84,6 +103,13 @@ class adapter {
 
     // Empty for an anonymous adapter.
     const std::string &directory() const { return directory_; }
+    // Null for an anonymous adapter.
+    const host::directory *files() const { return files_.get(); }
+    // Without a directory, or in a rehearsal, what is written ends with the adapter.
+    bool keeps_rows() const;
+    // False when the directory was opened for reading: writes are refused with
+    // SDK_RET_HW_PROGRAM_ERR.
+    bool is_writable() const { return options_.access != access::read; }
     // Rows of a table; 0 for an unknown id.
     uint32_t depth(uint32_t tableid) const;
 
@@ -108,7 +134,8 @@ class adapter {
     sdk_ret_t clear_row(uint32_t tableid, uint32_t index);
 
     // The rows of a flow table, 128 bytes each, for an engine that works in place; null for other
-    // tables and when the memory cannot be mapped. Such stores are neither observed nor faulted.
+    // tables and when the memory cannot be mapped. Such stores are neither observed nor faulted; an
+    // adapter that is not writable takes none.
     uint8_t *hbm_rows(uint32_t tableid);
 
     // SDK_RET_OK when the entry's row can be read in all its memories: SDK_RET_DAMAGED, or
@@ -130,14 +157,15 @@ class adapter {
 
   private:
     struct row_place;
-    adapter(std::string directory, const adapter_options &options);
+    adapter(const std::string &directory, const adapter_options &options);
 
-    std::string path_of(memory where, uint32_t tableid) const;
+    backing backing_of(memory where, uint32_t tableid);
     row_store *rows_of(memory where, uint32_t tableid);
     flow_rows *flow_rows_of(uint32_t tableid);
     sdk_ret_t find_sram(uint32_t tableid, uint32_t index, bool for_read, const char *call,
                         row_place &place);
     sdk_ret_t refuse(const char *call, const std::string &what) const;
+    sdk_ret_t refuse_write(const char *call, uint32_t tableid) const;
     sdk_ret_t refuse_index(const char *call, uint32_t tableid, uint32_t index);
     sdk_ret_t refuse_damaged(const char *call, const row_place &place, uint16_t length);
     std::string memory_name(memory where, uint32_t tableid) const;
@@ -150,7 +178,7 @@ class adapter {
 
     std::string directory_;
     adapter_options options_;
-    int lock_file_ = -1;
+    std::unique_ptr<host::directory> files_;
     fault_set faults_;
     std::unique_ptr<trouble_list> troubles_;
     std::mutex mapping_;

@@ -108,6 +108,12 @@ std::string adapter::damage_of(uint32_t tableid, uint32_t index) {
 
 // --- Writes --------------------------------------------------------------------------------------
 
+sdk_ret_t adapter::refuse_write(const char *call, uint32_t tableid) const {
+    if (is_writable()) return SDK_RET_OK;
+    refuse(call, "table " + number(tableid) + ": the adapter is open for reading only");
+    return SDK_RET_HW_PROGRAM_ERR;
+}
+
 void adapter::put(const row_place &place, const row_image &image, uint16_t bits) {
     row_store &rows = *place.rows;
     if (const row_length before = rows.length_of(place.row); before.is_damaged()) [[unlikely]] {
@@ -165,6 +171,7 @@ sdk_ret_t adapter::sram_write(uint32_t tableid, uint32_t index, const uint8_t *i
     if (bits > sram_row_bits)
         return refuse(__func__, "table " + number(tableid) + ": an entry of " + number(bits) +
                                     " bits does not fit a row of " + number(sram_row_bits));
+    if (sdk_ret_t refused = refuse_write(__func__, tableid)) return refused;
     if (sdk_ret_t injected = faults_.meet(asic_call::sram_write, tableid, index)) return injected;
 
     row_image next = {};
@@ -203,6 +210,7 @@ sdk_ret_t adapter::tcam_write(uint32_t tableid, uint32_t index, const uint8_t *k
     if (width == 0 || width % 16 != 0 || width > tcam_most_bits)
         return refuse(__func__, "table " + number(tableid) + ": width " + number(width) +
                                     " is not a multiple of 16 up to " + number(tcam_most_bits));
+    if (sdk_ret_t refused = refuse_write(__func__, tableid)) return refused;
     row_store *rows = rows_of(memory::tcam, tableid);
     if (rows == nullptr) return SDK_RET_OOM;
     if (sdk_ret_t injected = faults_.meet(asic_call::tcam_write, tableid, index)) return injected;
@@ -245,6 +253,7 @@ sdk_ret_t adapter::hbm_write(uint32_t tableid, uint32_t index, const uint8_t *im
     if (bits > most)
         return refuse(__func__, "table " + number(tableid) + ": an entry of " + number(bits) +
                                     " bits does not fit a row of " + number(most));
+    if (sdk_ret_t refused = refuse_write(__func__, tableid)) return refused;
 
     const uint32_t bytes = bits::bytes_of(bits);
     if (table->is_flow()) {
@@ -298,6 +307,7 @@ sdk_ret_t adapter::clear_row(uint32_t tableid, uint32_t index) {
     const table_memory *table = table_memory_of(tableid);
     if (table == nullptr) return refuse(__func__, "table " + number(tableid) + " is unknown");
     if (index >= depth(tableid)) return refuse_index(__func__, tableid, index);
+    if (sdk_ret_t refused = refuse_write(__func__, tableid)) return refused;
     if (sdk_ret_t bad = check_row(tableid, index)) return bad;
     if (table->data == memory::hbm) return hbm_write(tableid, index, nullptr, 0);
 

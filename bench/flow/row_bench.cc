@@ -24,7 +24,7 @@ double cpu_nanoseconds() {
 }  // namespace
 
 int main() {
-    const halden::host::region memory("", rows * row_bytes, halden::host::paging::huge);
+    const halden::host::region memory({.pages = halden::host::paging::huge}, rows * row_bytes);
     const auto row = [&](size_t n) {
         return reinterpret_cast<volatile uint64_t *>(memory.base() + n * row_bytes);
     };

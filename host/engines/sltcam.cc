@@ -50,7 +50,7 @@ struct sltcam::impl {
             if (found != SDK_RET_OK) continue;
             // A process that ended in the middle of a move left its entry twice.
             if (find_images(images) != none) {
-                static_cast<void>(rows.clear(row));
+                if (rows.hardware().is_writable()) static_cast<void>(rows.clear(row));
                 continue;
             }
             entries[row] =

@@ -3,6 +3,7 @@
 #include "host/memory/words.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace halden::host {
 
@@ -16,8 +17,8 @@ bool all_zero(const flow_image &image) {
 
 }  // namespace
 
-flow_rows::flow_rows(const std::string &path, uint32_t rows, paging pages)
-    : rows_(rows), memory_(path, size_t{rows} * flow_row_bytes, pages) {}
+flow_rows::flow_rows(backing from, uint32_t rows)
+    : rows_(rows), memory_(std::move(from), size_t{rows} * flow_row_bytes) {}
 
 uint16_t flow_rows::read(uint32_t row, flow_image &image) const {
     load_words(image.data(), row_at(row), flow_row_bytes);

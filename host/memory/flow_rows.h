@@ -9,8 +9,6 @@
 #include "host/memory/memory_map.h"
 #include "host/memory/region.h"
 
-#include <string>
-
 namespace halden::host {
 
 inline constexpr uint16_t flow_row_bits = flow_row_bytes * 8;
@@ -18,7 +16,8 @@ inline constexpr uint32_t flow_valid_bit = 932;
 
 class flow_rows {
   public:
-    flow_rows(const std::string &path, uint32_t rows, paging pages = paging::small);
+    // Throws as region does.
+    flow_rows(backing from, uint32_t rows);
 
     uint32_t rows() const { return rows_; }
     uint8_t *base() const { return memory_.base(); }

@@ -8,22 +8,20 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <stdexcept>
+#include <string>
+#include <utility>
 
 namespace halden::host {
 
 namespace {
 
-[[noreturn]] void fail(const std::string &path, const std::string &what) {
-    throw std::runtime_error((path.empty() ? "adapter memory" : path) + ": " + what);
-}
+constexpr const char *anonymous_name = "adapter memory";
 
-int open_file(const std::string &path) {
-    // Only a file knows which of its pages were touched, so anonymous memory is one too.
-    const int file = path.empty() ? memfd_create("halden-adapter", MFD_CLOEXEC)
-                                  : open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (file < 0) fail(path, std::strerror(errno));
-    return file;
+// Only a file knows which of its pages were touched, so anonymous memory is one too.
+file anonymous_file() {
+    const int descriptor = memfd_create("halden-adapter", MFD_CLOEXEC);
+    if (descriptor < 0) fail_at(anonymous_name, std::strerror(errno));
+    return {descriptor, anonymous_name};
 }
 
 constexpr size_t huge_page_bytes = size_t{2} << 20;
@@ -33,7 +31,7 @@ constexpr size_t page_bytes = 4096;
 uint8_t *map_huge(size_t bytes) {
     void *mapped = mmap(nullptr, bytes + huge_page_bytes, PROT_READ | PROT_WRITE,
                         MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (mapped == MAP_FAILED) fail({}, std::strerror(errno));
+    if (mapped == MAP_FAILED) fail_at(anonymous_name, std::strerror(errno));
     auto *first = static_cast<uint8_t *>(mapped);
     const size_t beyond = reinterpret_cast<uintptr_t>(first) % huge_page_bytes;
     const size_t skipped = beyond == 0 ? 0 : huge_page_bytes - beyond;
@@ -47,48 +45,57 @@ uint8_t *map_huge(size_t bytes) {
 
 }  // namespace
 
-region::region(const std::string &path, size_t bytes, paging pages) : bytes_(bytes) {
-    if (path.empty() && pages == paging::huge) {
-        base_ = map_huge(bytes);
-        return;
+region::region(backing from, size_t bytes)
+    : file_(std::move(from.on)), how_(from.how), bytes_(bytes) {
+    if (!file_.is_open() && how_ == mapping::shared) {
+        if (from.pages == paging::huge) {
+            base_ = map_huge(bytes);
+            return;
+        }
+        file_ = anonymous_file();
     }
-    file_ = open_file(path);
-    try {
+    map();
+}
+
+void region::map() {
+    if (file_.is_open()) {
         struct stat status = {};
-        if (fstat(file_, &status) != 0) fail(path, std::strerror(errno));
+        if (fstat(file_.descriptor(), &status) != 0) file_.fail(std::strerror(errno));
         const auto found = static_cast<size_t>(status.st_size);
-        if (found != 0 && found != bytes)
-            fail(path, "has " + std::to_string(found) + " bytes, this memory has " +
-                           std::to_string(bytes));
-        if (found == 0 && ftruncate(file_, static_cast<off_t>(bytes)) != 0)
-            fail(path, std::strerror(errno));
-        void *mapped =
-            mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_NORESERVE, file_, 0);
-        if (mapped == MAP_FAILED) fail(path, std::strerror(errno));
-        base_ = static_cast<uint8_t *>(mapped);
-    } catch (...) {
-        close(file_);
-        throw;
+        if (found != 0 && found != bytes_)
+            file_.fail("has " + std::to_string(found) + " bytes, this memory has " +
+                       std::to_string(bytes_));
+        // Its maker was killed before it gave the file its size.
+        if (found == 0 && how_ != mapping::shared) file_ = {};
+        if (found == 0 && how_ == mapping::shared &&
+            ftruncate(file_.descriptor(), static_cast<off_t>(bytes_)) != 0)
+            file_.fail(std::strerror(errno));
     }
+    const int protection = how_ == mapping::read_only ? PROT_READ : PROT_READ | PROT_WRITE;
+    const int kind = how_ == mapping::private_copy || !file_.is_open() ? MAP_PRIVATE : MAP_SHARED;
+    const int origin = file_.is_open() ? 0 : MAP_ANONYMOUS;
+    void *mapped =
+        mmap(nullptr, bytes_, protection, kind | origin | MAP_NORESERVE, file_.descriptor(), 0);
+    if (mapped == MAP_FAILED)
+        fail_at(file_.is_open() ? file_.path() : anonymous_name, std::strerror(errno));
+    base_ = static_cast<uint8_t *>(mapped);
 }
 
-region::~region() {
-    munmap(base_, bytes_);
-    if (file_ >= 0) close(file_);
-}
+region::~region() { munmap(base_, bytes_); }
 
-// The kernel's own table says which pages of memory without a file were touched.
+// The kernel's own table says which pages were touched, of those that are the process's alone.
 bool region::next_used_page(size_t from, size_t &begin, size_t &end) const {
     constexpr uint64_t touched = uint64_t{3} << 62;  // present, or swapped out
+    constexpr uint64_t of_file = uint64_t{1} << 61;  // still the file's
     constexpr size_t most = 512;                     // entries read at a time
-    const int table = open("/proc/self/pagemap", O_RDONLY | O_CLOEXEC);
+    const file table(open("/proc/self/pagemap", O_RDONLY | O_CLOEXEC), "/proc/self/pagemap");
     const size_t first_page = reinterpret_cast<uintptr_t>(base_) / page_bytes;
     const size_t pages = (bytes_ + page_bytes - 1) / page_bytes;
     size_t found = pages, stop = pages;
-    for (size_t page = from / page_bytes; table >= 0 && page < pages && found == pages;) {
+    for (size_t page = from / page_bytes; table.is_open() && page < pages && found == pages;) {
         uint64_t entries[most];
         const size_t wanted = std::min(most, pages - page);
-        const ssize_t got = pread(table, entries, wanted * sizeof entries[0],
+        const ssize_t got = pread(table.descriptor(), entries, wanted * sizeof entries[0],
                                   static_cast<off_t>((first_page + page) * sizeof entries[0]));
         if (got <= 0) {
             found = std::min(found, page);  // it cannot tell: everything may be used
@@ -96,7 +103,7 @@ bool region::next_used_page(size_t from, size_t &begin, size_t &end) const {
         }
         const size_t count = static_cast<size_t>(got) / sizeof entries[0];
         for (size_t i = 0; i < count && stop == pages; ++i) {
-            const bool used = (entries[i] & touched) != 0;
+            const bool used = (entries[i] & touched) != 0 && (entries[i] & of_file) == 0;
             if (used && found == pages) found = page + i;
             if (!used && found != pages) stop = page + i;
         }
@@ -105,19 +112,14 @@ bool region::next_used_page(size_t from, size_t &begin, size_t &end) const {
         page += count;
         if (found != pages) stop = std::min(stop, page);
     }
-    if (table < 0)
-        found = from / page_bytes;
-    else
-        close(table);
+    if (!table.is_open()) found = from / page_bytes;
     begin = std::max(from, found * page_bytes);
     end = std::min(bytes_, stop * page_bytes);
     return found < pages;
 }
 
-bool region::next_used(size_t from, size_t &begin, size_t &end) const {
-    if (from >= bytes_) return false;
-    if (file_ < 0) return next_used_page(from, begin, end);
-    const off_t data = lseek(file_, static_cast<off_t>(from), SEEK_DATA);
+bool region::next_used_in_file(size_t from, size_t &begin, size_t &end) const {
+    const off_t data = lseek(file_.descriptor(), static_cast<off_t>(from), SEEK_DATA);
     if (data < 0) {
         if (errno == ENXIO) return false;
         begin = from;  // a file system that cannot tell: everything may be used
@@ -129,6 +131,22 @@ bool region::next_used(size_t from, size_t &begin, size_t &end) const {
     begin = static_cast<size_t>(data);
     end = std::min(bytes_, (begin / page_bytes + 1) * page_bytes);
     return begin < bytes_;
+}
+
+bool region::next_used(size_t from, size_t &begin, size_t &end) const {
+    if (from >= bytes_) return false;
+    if (how_ == mapping::read_only && !file_.is_open()) return false;
+    if (!file_.is_open()) return next_used_page(from, begin, end);
+    const bool in_file = next_used_in_file(from, begin, end);
+    if (how_ != mapping::private_copy) return in_file;
+    // Whichever comes first: what the file holds, or what this process has stored.
+    size_t stored_begin = 0, stored_end = 0;
+    if (!next_used_page(from, stored_begin, stored_end)) return in_file;
+    if (!in_file || stored_begin < begin) {
+        begin = stored_begin;
+        end = stored_end;
+    }
+    return true;
 }
 
 }  // namespace halden::host

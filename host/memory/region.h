@@ -1,21 +1,35 @@
 #pragma once
 
-// One memory of one table: a sparse file mapped shared, either anonymous or in a directory. Pages
+// One memory of one table: a sparse file that is mapped, either anonymous or in a directory. Pages
 // that were never touched cost nothing, and the kernel keeps what was stored when the process dies.
 
+#include "host/memory/file.h"
 #include "host/memory/memory_map.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 
 namespace halden::host {
 
+// What becomes of stores.
+enum class mapping : uint8_t {
+    shared,        // they are in the file at once
+    read_only,     // there are none: a store is a fault of the program
+    private_copy,  // the process that made them sees them, and nobody else
+};
+
+// What a region's bytes come from.
+struct backing {
+    file on = {};  // open for what `how` needs; without one the memory begins with zeros
+    mapping how = mapping::shared;
+    paging pages = paging::small;  // of memory without a file
+};
+
 class region {
   public:
-    // Maps `bytes` zero bytes. With an empty path the memory is anonymous; otherwise the file is
-    // made when it is absent. Throws std::runtime_error with the path and the reason.
-    region(const std::string &path, size_t bytes, paging pages = paging::small);
+    // Maps `bytes`. An empty file is made that long where stores reach it, and reads as zeros where
+    // they do not. Throws std::runtime_error with the path and the reason.
+    region(backing from, size_t bytes);
     ~region();
     region(const region &) = delete;
     region &operator=(const region &) = delete;
@@ -29,9 +43,12 @@ class region {
     bool next_used(size_t from, size_t &begin, size_t &end) const;
 
   private:
+    void map();
+    bool next_used_in_file(size_t from, size_t &begin, size_t &end) const;
     bool next_used_page(size_t from, size_t &begin, size_t &end) const;
 
-    int file_ = -1;  // none with huge pages
+    file file_;  // none with huge pages, and where an absent one is read
+    mapping how_;
     uint8_t *base_ = nullptr;
     size_t bytes_ = 0;
 };

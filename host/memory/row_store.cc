@@ -3,6 +3,7 @@
 #include "host/memory/words.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace halden::host {
 
@@ -27,11 +28,11 @@ uint32_t load(uint32_t *state, std::memory_order order) {
 
 }  // namespace
 
-row_store::row_store(const std::string &path, uint32_t rows, row_lengths lengths)
+row_store::row_store(backing from, uint32_t rows, row_lengths lengths)
     : rows_(rows),
       lengths_(lengths),
       images_at_(images_start(rows)),
-      memory_(path, images_at_ + size_t{rows} * 2 * row_bytes) {}
+      memory_(std::move(from), images_at_ + size_t{rows} * 2 * row_bytes) {}
 
 uint32_t *row_store::state(uint32_t row) const {
     return reinterpret_cast<uint32_t *>(memory_.base() + size_t{row} * state_bytes);

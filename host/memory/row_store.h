@@ -20,8 +20,6 @@
 #include "host/memory/memory_map.h"
 #include "host/memory/region.h"
 
-#include <string>
-
 namespace halden::host {
 
 // The lengths in bits that a row can have.
@@ -41,8 +39,8 @@ struct row_length {
 
 class row_store {
   public:
-    // Rows of an anonymous or a file's memory; throws as region does.
-    row_store(const std::string &path, uint32_t rows, row_lengths lengths = {});
+    // Throws as region does.
+    row_store(backing from, uint32_t rows, row_lengths lengths = {});
 
     uint32_t rows() const { return rows_; }
     row_lengths lengths() const { return lengths_; }

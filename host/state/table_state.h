@@ -10,6 +10,7 @@
 // The adapter becomes the process's current one. Entries that stand in its memory are the engines'
 // first ones; where an earlier process was killed at work in the adapter's directory, what it left
 // half done in the flow memories is put right first, and no entry whose call had returned is lost.
+// A directory that is open for reading is left as it is: the engines answer, and refuse to write.
 // At the end what was published before is so again.
 //
 // No table call may run while a state is made or destroyed. A table whose engine cannot be made
@@ -20,7 +21,6 @@
 #include "tev_tbl_impl_state.h"
 
 #include <memory>
-#include <string>
 
 namespace halden::host {
 
@@ -34,10 +34,10 @@ class table_state {
     api::impl::tev_tbl_impl_state &tables() { return state_->tables; }
 
   private:
-    void begin_work();
+    void begin_work(const adapter &hardware);
 
     scoped_current current_;
-    std::string mark_;
+    const directory *marked_ = nullptr;  // where this state left its mark
     std::unique_ptr<api::impl::tev_host_state> state_;
     api::impl::tev_host_state *before_;
 };

@@ -2,6 +2,7 @@
 
 #include "host/memory/flow_rows.h"
 
+#include "tests/host/file_at.h"
 #include "tests/support/scratch_directory.h"
 
 #include <gmock/gmock.h>
@@ -10,11 +11,12 @@
 namespace {
 
 using namespace halden::host;
+using halden::test::file_at;
 using halden::test::scratch_directory;
 using testing::Each;
 
 TEST(FlowRows, ARowIsEmptyWhileAllItsBytesAreZero) {
-    flow_rows rows("", 4);
+    flow_rows rows({}, 4);
     flow_image image;
     image.fill(0xee);
     EXPECT_EQ(rows.read(2, image), 0);
@@ -34,7 +36,7 @@ TEST(FlowRows, ARowIsEmptyWhileAllItsBytesAreZero) {
 
 // An engine that works in place sees rows one behind another, byte for byte.
 TEST(FlowRows, RowsStandOneBehindAnother) {
-    flow_rows rows("", 4);
+    flow_rows rows({}, 4);
     flow_image image;
     for (size_t i = 0; i < image.size(); ++i) image[i] = static_cast<uint8_t>(i + 1);
     rows.write(3, image);
@@ -48,7 +50,7 @@ TEST(FlowRows, RowsStandOneBehindAnother) {
 
 TEST(FlowRows, NextUsedFindsEveryRowOnce) {
     constexpr uint32_t depth = 4194304;
-    flow_rows rows("", depth);
+    flow_rows rows({}, depth);
     EXPECT_EQ(rows.next_used(0), depth);
     const uint32_t used[] = {0, 31, 32, 100000, depth - 1};
     flow_image image = {};
@@ -66,8 +68,8 @@ TEST(FlowRows, AFileKeepsTheRows) {
     const scratch_directory scratch;
     flow_image image = {};
     image[9] = 0x99;
-    { flow_rows(scratch.file("rows"), 16).write(15, image); }
-    flow_rows again(scratch.file("rows"), 16);
+    { flow_rows({.on = file_at(scratch.file("rows"))}, 16).write(15, image); }
+    flow_rows again({.on = file_at(scratch.file("rows"))}, 16);
     flow_image found;
     EXPECT_EQ(again.read(15, found), 1024);
     EXPECT_EQ(found, image);

@@ -2,6 +2,7 @@
 
 #include "host/memory/row_store.h"
 
+#include "tests/host/file_at.h"
 #include "tests/support/scratch_directory.h"
 
 #include <algorithm>
@@ -15,6 +16,7 @@
 namespace {
 
 using namespace halden::host;
+using halden::test::file_at;
 using halden::test::scratch_directory;
 using testing::Each;
 
@@ -25,7 +27,7 @@ row_image filled(uint8_t byte) {
 }
 
 TEST(RowStore, ANewRowIsEmptyAndZeroesTheImage) {
-    const row_store rows("", 8);
+    const row_store rows({}, 8);
     row_image image = filled(0xee);
     EXPECT_EQ(rows.rows(), 8u);
     EXPECT_EQ(rows.read(7, image).bits, 0);
@@ -33,7 +35,7 @@ TEST(RowStore, ANewRowIsEmptyAndZeroesTheImage) {
 }
 
 TEST(RowStore, ARowReadsBackWithItsLength) {
-    row_store rows("", 8);
+    row_store rows({}, 8);
     rows.write(3, filled(0xa5), 49);
     row_image image;
     EXPECT_EQ(rows.read(3, image).bits, 49);
@@ -43,7 +45,7 @@ TEST(RowStore, ARowReadsBackWithItsLength) {
 }
 
 TEST(RowStore, TheLastWriteStands) {
-    row_store rows("", 2);
+    row_store rows({}, 2);
     row_image image;
     for (unsigned i = 1; i <= 5; ++i) {
         rows.write(1, filled(static_cast<uint8_t>(i)), static_cast<uint16_t>(8 * i));
@@ -54,7 +56,7 @@ TEST(RowStore, TheLastWriteStands) {
 
 // The count of writes is 16 bits wide: a row must survive its overflow.
 TEST(RowStore, ARowIsWholeAfterMoreWritesThanItsCountHolds) {
-    row_store rows("", 2);
+    row_store rows({}, 2);
     row_image image;
     for (uint32_t i = 0; i < 65540; ++i) {
         rows.write(0, filled(static_cast<uint8_t>(i)), 512);
@@ -65,7 +67,7 @@ TEST(RowStore, ARowIsWholeAfterMoreWritesThanItsCountHolds) {
 }
 
 TEST(RowStore, LengthZeroEmptiesTheRow) {
-    row_store rows("", 2);
+    row_store rows({}, 2);
     rows.write(0, filled(0x77), 512);
     rows.write(0, filled(0x77), 0);
     row_image image = filled(0xee);
@@ -76,7 +78,7 @@ TEST(RowStore, LengthZeroEmptiesTheRow) {
 
 TEST(RowStore, NextUsedFindsEveryRowOnce) {
     constexpr uint32_t depth = 2097152;
-    row_store rows("", depth);
+    row_store rows({}, depth);
     EXPECT_EQ(rows.next_used(0), depth);
     const uint32_t used[] = {0, 1, 1023, 1024, 70000, depth - 1};
     for (uint32_t row : used) rows.write(row, filled(1), 8);
@@ -93,13 +95,13 @@ TEST(RowStore, AFileKeepsRowsLengthsAndEmptiness) {
     const scratch_directory scratch;
     const std::string path = scratch.file("rows");
     {
-        row_store rows(path, 64);
+        row_store rows({.on = file_at(path)}, 64);
         rows.write(5, filled(1), 16);
         rows.write(5, filled(2), 24);
         rows.write(6, filled(3), 32);
         rows.write(6, filled(3), 0);
     }
-    row_store again(path, 64);
+    row_store again({.on = file_at(path)}, 64);
     row_image image;
     EXPECT_EQ(again.read(5, image).bits, 24);
     EXPECT_EQ(image, filled(2));
@@ -110,7 +112,7 @@ TEST(RowStore, AFileKeepsRowsLengthsAndEmptiness) {
 
 // A reader without a lock sees one of the written images with its own length, never a mixture.
 TEST(RowStore, AReaderNeverSeesAMixture) {
-    row_store rows("", 1);
+    row_store rows({}, 1);
     rows.write(0, filled(1), 8);
     std::atomic<bool> stop = false;
     std::thread writer([&] {

@@ -16,9 +16,14 @@ using namespace pipeline;
 
 namespace {
 
-std::unique_ptr<host::adapter> opened(const std::string &directory) {
+std::unique_ptr<host::adapter> opened(const std::string &directory, host::access how) {
     try {
-        return directory.empty() ? host::adapter::anonymous() : host::adapter::open(directory);
+        return directory.empty() ? host::adapter::anonymous()
+                                 : host::adapter::open(directory, {.access = how});
+    } catch (const host::no_adapter &error) {
+        throw failure(std::string(error.what()) +
+                          "; `haldenctl create`, `write`, `apply` and `flows import` make one",
+                      exit_status::adapter);
     } catch (const std::runtime_error &error) {
         throw failure(error.what(), exit_status::adapter);
     }
@@ -30,8 +35,8 @@ std::vector<uint8_t> taken(const uint8_t *image, uint32_t bits) {
 
 }  // namespace
 
-opened_adapter::opened_adapter(const std::string &directory)
-    : adapter_(opened(directory)), current_(*adapter_) {}
+opened_adapter::opened_adapter(const std::string &directory, host::access how)
+    : adapter_(opened(directory, how)), current_(*adapter_) {}
 
 void opened_adapter::arm(const options &given) {
     show_calls_ = given.show_calls;
@@ -49,7 +54,7 @@ opened_adapter::~opened_adapter() {
 
 std::string opened_adapter::name() const {
     return adapter_->directory().empty() ? "memory that ends with this command"
-                                         : "adapter " + adapter_->directory();
+                                         : "adapter " + printable(adapter_->directory());
 }
 
 std::optional<stored_row> stored_at(host::adapter &adapter, const table &t, uint32_t row) {

@@ -12,13 +12,19 @@
 
 namespace halden::tool {
 
-// The adapter of the options. It answers the library's imports as long as it lives, and shows its
-// calls at the end when that is asked for.
+// The adapter of the options; anonymous when they name none. It answers the library's imports as
+// long as it lives, and shows its calls at the end when that is asked for.
+//
+// Only a command that makes entries opens with `create`: a name that was mistyped is an error to
+// all others, and nothing is made of it.
 class opened_adapter {
   public:
-    explicit opened_adapter(const options &given) : opened_adapter(given.adapter) { arm(given); }
+    opened_adapter(const options &given, host::access how) : opened_adapter(given.adapter, how) {
+        arm(given);
+    }
     // Without the faults and the record of the options; arm() adds them.
-    explicit opened_adapter(const std::string &directory);
+    explicit opened_adapter(const std::string &directory = {},
+                            host::access how = host::access::create);
     void arm(const options &given);
     ~opened_adapter();
     opened_adapter(const opened_adapter &) = delete;

@@ -214,7 +214,7 @@ void add_apply(CLI::App &app, const options &given) {
     command->add_flag("-n,--dry-run", wanted->dry, "Show what would change, and change nothing");
     command->add_flag("-q,--quiet", wanted->quiet, "The last line alone");
     command->callback([&given, wanted] {
-        opened_tables tables(given);
+        opened_tables tables(given, wanted->dry ? host::access::rehearse : host::access::create);
         apply(tables, *wanted);
     });
 }

@@ -132,7 +132,7 @@ void on_table(const raw_options &wanted, Work work) {
 
 }  // namespace
 
-void add_decode(CLI::App &app, const options &) {
+void add_decode(CLI::App &app) {
     CLI::App *command =
         app.add_subcommand("decode", "A raw hardware entry as text: its fields and values");
     const auto wanted = add_raw_options(command);
@@ -149,7 +149,7 @@ void add_decode(CLI::App &app, const options &) {
     });
 }
 
-void add_explain(CLI::App &app, const options &) {
+void add_explain(CLI::App &app) {
     CLI::App *command =
         app.add_subcommand("explain", "A raw hardware entry bit by bit: whose bits, which value");
     const auto wanted = add_raw_options(command);

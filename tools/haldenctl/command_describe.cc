@@ -3,9 +3,9 @@
 
 #include <iostream>
 
+#include "host/memory/memory_map.h"
 #include "p4gen/halden/pipeline/names.h"
 #include "p4gen/halden/pipeline/words.h"
-#include "tools/haldenctl/adapter_view.h"
 #include "tools/haldenctl/arguments.h"
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/drawing.h"
@@ -64,10 +64,10 @@ void print_action(const table &t, size_t n) {
     print_fields(a.fields, row_image(t, a), false, 1);
 }
 
-void describe(const opened_adapter &adapter, const table &t) {
+void describe(const table &t) {
+    const uint32_t rows = host::table_memory_of(t.id)->rows;
     std::cout << painted(std::string(t.name), colour::title) << "  table " << t.id << ", "
-              << kind_text(t.kind) << ", " << adapter->depth(t.id)
-              << (adapter->depth(t.id) == 1 ? " row\n" : " rows\n");
+              << kind_text(t.kind) << ", " << rows << (rows == 1 ? " row\n" : " rows\n");
     paragraph(std::string(t.doc));
     heading("Where an entry goes");
     paragraph(where_it_goes(t, [](const table &other) { return std::string(other.name); }));
@@ -89,15 +89,12 @@ void describe(const opened_adapter &adapter, const table &t) {
 
 }  // namespace
 
-void add_describe(CLI::App &app, const options &given) {
+void add_describe(CLI::App &app) {
     CLI::App *command = app.add_subcommand(
         "describe", "Draw a table: fields, where each bit stands, where entries go");
     auto name = std::make_shared<std::string>();
     command->add_option("TABLE", *name, "Name or id")->required();
-    command->callback([&given, name] {
-        const table &t = table_argument(*name);
-        describe(opened_adapter(given), t);
-    });
+    command->callback([name] { describe(table_argument(*name)); });
 }
 
 }  // namespace halden::tool

@@ -57,17 +57,17 @@ struct call {
 
 // Hangs in a command that takes a table and fields; errors name the table.
 template <class Work>
-void add_command(CLI::App &app, const options &given, const char *name, const char *what,
-                 const char *fields, Work work) {
+void add_command(CLI::App &app, const options &given, const char *name, host::access how,
+                 const char *what, const char *fields, Work work) {
     CLI::App *command = app.add_subcommand(name, what);
     auto wanted = std::make_shared<call>();
     command->add_option("TABLE", wanted->table, "Name or id")->required();
     command->add_option("FIELD=VALUE", wanted->fields, fields);
-    command->callback([&given, wanted, work] {
+    command->callback([&given, wanted, how, work] {
         const table &t = table_argument(wanted->table);
         try {
             typed([&] { check_engine(t); });
-            opened_tables tables(given);
+            opened_tables tables(given, how);
             work(*tables, t, wanted->fields);
         } catch (const failure &error) {
             throw error.inside(std::string(t.name));
@@ -153,10 +153,13 @@ void add_entry_commands(CLI::App &app, const options &given) {
         "Key fields, or index=N; action=NAME where the table has several; data fields. key.F and "
         "data.F where the key and the data have a field F";
     constexpr const char *key = "Key fields, or index=N";
-    add_command(app, given, "create", "Add an entry; the engine chooses its row", whole, create);
-    add_command(app, given, "update", "Replace an entry's action and data", whole, update);
-    add_command(app, given, "delete", "Take an entry out", key, remove);
-    add_command(app, given, "find", "Tell whether an entry is there, and show it", key, find);
+    add_command(app, given, "create", host::access::create,
+                "Add an entry; the engine chooses its row", whole, create);
+    add_command(app, given, "update", host::access::write, "Replace an entry's action and data",
+                whole, update);
+    add_command(app, given, "delete", host::access::write, "Take an entry out", key, remove);
+    add_command(app, given, "find", host::access::read,
+                "Tell whether an entry is there, and show it", key, find);
 }
 
 }  // namespace halden::tool

@@ -56,7 +56,7 @@ struct list_options {
 
 void list(const options &given, const list_options &wanted) {
     const flow_filter filter = wanted.filter.parsed();
-    opened_tables tables(given);
+    opened_tables tables(given, host::access::read);
     flow_store store(tables);
     std::vector<listed_flow> flows = matching(store, filter);
     const auto amount = [&](const stored_flow &f) {
@@ -87,7 +87,7 @@ void list(const options &given, const list_options &wanted) {
 void find(const options &given, const flow_filter_options &filter) {
     const packets::flow wanted = filter.parsed().whole_flow();
     flow_swkey_t key = packets::key_of(wanted);
-    const opened_adapter adapter(given);
+    const opened_adapter adapter(given, host::access::read);
     uint8_t image[pipeline::wide_key_image_bytes] = {};
     p4pd_hwkey_hwmask_build(host::flow_table, &key, nullptr, image, nullptr);
     const auto hit = host::view::lookup(*adapter, host::flow_table, image);
@@ -114,7 +114,7 @@ void remove(const options &given, const flow_filter_options &wanted, bool all) {
     if (filter.empty() == !all)
         throw CLI::ValidationError("flows delete", all ? "--all leaves no room for a filter"
                                                        : "a filter or --all is required");
-    opened_tables tables(given);
+    opened_tables tables(given, host::access::write);
     flow_store store(tables);
     const std::vector<listed_flow> flows = matching(store, filter);
     const uint32_t left_over = all ? store.remove_left_over() : 0;
@@ -210,7 +210,7 @@ void add_flows(CLI::App &app, const options &given) {
     auto path = std::make_shared<std::string>();
     command->add_option("CAPTURE", *path, "Ethernet or raw IP")->required();
     command->callback([&given, path] {
-        opened_tables tables(given);
+        opened_tables tables(given, host::access::create);
         import_flows(tables, *path);
     });
 
@@ -243,7 +243,7 @@ void add_flows(CLI::App &app, const options &given) {
 
     command = flows->add_subcommand("stats", "Load, and how far flows are from their hash");
     command->callback([&given] {
-        opened_tables tables(given);
+        opened_tables tables(given, host::access::read);
         stats(tables);
     });
 

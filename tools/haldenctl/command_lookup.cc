@@ -158,7 +158,7 @@ void add_lookup(CLI::App &app, const options &given) {
                         "The packet's key; fields that are not given are 0");
     command->callback([&given, name, fields] {
         const table &t = table_argument(*name);
-        look_up(opened_adapter(given), t, *fields);
+        look_up(opened_adapter(given, host::access::read), t, *fields);
     });
 }
 

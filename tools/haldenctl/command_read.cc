@@ -191,7 +191,7 @@ void add_read(CLI::App &app, const options &given) {
     command->add_flag("--json", wanted->as_json, "As JSON that `write` takes");
     command->add_flag("--raw", wanted->raw, "With its images and the fields of their bits");
     command->callback([&given, wanted] {
-        opened_tables tables(given);
+        opened_tables tables(given, host::access::read);
         read(tables, *wanted);
     });
 }
@@ -207,7 +207,7 @@ void add_dump(CLI::App &app, const options &given) {
         if (name->empty() && !*all)
             throw CLI::ValidationError("dump", "TABLE or --all is required");
         const table *one = *all ? nullptr : &table_argument(*name);
-        const opened_adapter adapter(given);
+        const opened_adapter adapter(given, host::access::read);
         dump_printer out(*as_json);
         for (const table *t : tables)
             if (one == nullptr || one == t) dump_table(*adapter, *t, out);

@@ -105,7 +105,7 @@ void add_stats(CLI::App &app, const options &given) {
     command->add_flag("--every", *every, "Empty tables too");
     command->add_flag("--json", *as_json, "As JSON, of every table");
     command->callback([&given, every, as_json] {
-        opened_tables tables(given);
+        opened_tables tables(given, host::access::read);
         const auto all = all_figures(tables.tables());
         *as_json ? print_json(all) : print_text(all, *every);
     });

@@ -2,8 +2,8 @@
 
 #include <iostream>
 
+#include "host/memory/memory_map.h"
 #include "p4gen/halden/pipeline/words.h"
-#include "tools/haldenctl/adapter_view.h"
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/entry_file.h"
 #include "tools/haldenctl/screen.h"
@@ -36,18 +36,20 @@ std::string_view short_kind(kind k) {
 
 std::string bits_or_dash(unsigned bits) { return bits == 0 ? "-" : std::to_string(bits); }
 
-void print_text(host::adapter &adapter) {
+uint32_t rows_of(const table &t) { return host::table_memory_of(t.id)->rows; }
+
+void print_text() {
     columns shown(
         {">ID", "TABLE", "KIND", ">KEY BITS", ">DATA BITS", ">ROWS", ">ACTIONS", "PURPOSE"});
     for (const table *t : tables)
         shown.row({std::to_string(t->id), std::string(t->name), std::string(short_kind(t->kind)),
                    bits_or_dash(t->key_bits), bits_or_dash(t->data_bits),
-                   std::to_string(adapter.depth(t->id)), std::to_string(t->actions.size()),
+                   std::to_string(rows_of(*t)), std::to_string(t->actions.size()),
                    std::string(t->doc)});
     std::cout << shown.text();
 }
 
-void print_json(host::adapter &adapter) {
+void print_json() {
     json out = json::array();
     for (const table *t : tables)
         out.push_back({{"id", t->id},
@@ -57,7 +59,7 @@ void print_json(host::adapter &adapter) {
                        {"key_bytes", swkey_bytes(*t)},
                        {"data_bits", t->data_bits},
                        {"data_bytes", t->data_bytes},
-                       {"rows", adapter.depth(t->id)},
+                       {"rows", rows_of(*t)},
                        {"actions", t->actions.size()},
                        {"purpose", t->doc}});
     std::cout << out.dump(2) << "\n";
@@ -65,14 +67,11 @@ void print_json(host::adapter &adapter) {
 
 }  // namespace
 
-void add_tables(CLI::App &app, const options &given) {
+void add_tables(CLI::App &app) {
     CLI::App *command = app.add_subcommand("tables", "List the 48 tables: kind, sizes, rows");
     auto as_json = std::make_shared<bool>(false);
     command->add_flag("--json", *as_json, "As JSON");
-    command->callback([&given, as_json] {
-        const opened_adapter adapter(given);
-        *as_json ? print_json(*adapter) : print_text(*adapter);
-    });
+    command->callback([as_json] { *as_json ? print_json() : print_text(); });
 }
 
 }  // namespace halden::tool

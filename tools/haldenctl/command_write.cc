@@ -211,7 +211,7 @@ void add_write(CLI::App &app, const options &given) {
     command->add_option("FILE", *path, "The entries; - is standard input")->required();
     command->add_flag("-q,--quiet", *quiet, "The last line alone");
     command->callback([&given, path, quiet] {
-        const opened_adapter adapter(given);
+        const opened_adapter adapter(given, host::access::create);
         write(adapter, *path, *quiet);
     });
 }

@@ -8,8 +8,12 @@
 
 namespace halden::tool {
 
-void add_tables(CLI::App &app, const options &given);
-void add_describe(CLI::App &app, const options &given);
+// The same whatever stands on an adapter.
+void add_tables(CLI::App &app);
+void add_describe(CLI::App &app);
+void add_decode(CLI::App &app);
+void add_explain(CLI::App &app);
+
 void add_write(CLI::App &app, const options &given);
 void add_entry_commands(CLI::App &app, const options &given);  // create, update, delete, find
 void add_apply(CLI::App &app, const options &given);
@@ -18,7 +22,5 @@ void add_flows(CLI::App &app, const options &given);
 void add_lookup(CLI::App &app, const options &given);
 void add_read(CLI::App &app, const options &given);
 void add_dump(CLI::App &app, const options &given);
-void add_decode(CLI::App &app, const options &given);
-void add_explain(CLI::App &app, const options &given);
 
 }  // namespace halden::tool

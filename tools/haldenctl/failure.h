@@ -17,6 +17,8 @@
 #include <string>
 #include <string_view>
 
+#include "host/trace/printable.h"
+
 namespace halden::tool {
 
 enum class exit_status : uint8_t { done = 0, missed = 1, usage = 2, refused = 3, adapter = 4 };
@@ -48,9 +50,7 @@ decltype(auto) typed(Read read) {
     }
 }
 
-// Text as one line that leaves the terminal as it is: control characters, and bytes that are no
-// UTF-8, as \x and two digits.
-std::string printable(std::string_view text);
+using host::trace::printable;
 // What was given, as an error quotes it: printable, and cut when it is long, between characters.
 std::string quotable(std::string_view given);
 

@@ -69,9 +69,10 @@ exit_status run(int argc, char **argv) {
     app.get_formatter()->column_width(34);
 
     tool::options given;
-    app.add_option("--adapter", given.adapter,
-                   "Directory of the software adapter, made when it is absent; without it, memory "
-                   "ends with the command")
+    app.add_option(
+           "--adapter", given.adapter,
+           "Directory of the software adapter; create, write, apply and flows import make it "
+           "when there is none. Without it, memory ends with the command")
         ->envname("HALDEN_ADAPTER")
         ->type_name("DIR");
     std::string colours = "auto", level, log_file;
@@ -111,8 +112,8 @@ exit_status run(int argc, char **argv) {
     app.footer("`haldenctl COMMAND --help` says more about a command.\n\n" +
                std::string(exit_statuses));
 
-    tool::add_tables(app, given);
-    tool::add_describe(app, given);
+    tool::add_tables(app);
+    tool::add_describe(app);
     tool::add_write(app, given);
     tool::add_read(app, given);
     tool::add_dump(app, given);
@@ -121,8 +122,8 @@ exit_status run(int argc, char **argv) {
     tool::add_apply(app, given);
     tool::add_stats(app, given);
     tool::add_flows(app, given);
-    tool::add_decode(app, given);
-    tool::add_explain(app, given);
+    tool::add_decode(app);
+    tool::add_explain(app);
 
     try {
         app.parse(argc, argv);

@@ -72,7 +72,7 @@ raw_entry read_raw(const table &t, const std::string &entry, const std::string &
 
 records unpacked(const table &t, const raw_entry &raw) {
     // The reader's own way, from a row of an adapter that nobody else sees.
-    const opened_adapter scratch{std::string()};
+    const opened_adapter scratch;
     constexpr uint32_t row = 0;
     records out(t);
     std::vector<uint8_t> image = as_stored(t, raw.entry, raw.bits);

@@ -15,7 +15,8 @@ namespace halden::tool {
 class opened_tables {
   public:
     // Making the engines reads the tables; what the options ask for begins behind that.
-    explicit opened_tables(const options &given) : adapter_(given.adapter), state_(*adapter_) {
+    opened_tables(const options &given, host::access how)
+        : adapter_(given.adapter, how), state_(*adapter_) {
         adapter_.arm(given);
     }
     host::adapter &operator*() const { return *adapter_; }

@@ -148,6 +148,7 @@ class restorer {
 };
 
 sdk_ret_t engine::restore() {
+    if (!rows_.is_writable()) return SDK_RET_HW_PROGRAM_ERR;
     return guarded([&] { return restorer(*this).run(); });
 }
 

@@ -40,6 +40,7 @@ sdk_ret_t engine::insert_as(E entry, E cursor, E fresh, uint32_t hash) {
 }
 
 sdk_ret_t engine::insert(base_table_entry_t *entry, uint32_t hash) {
+    if (!rows_.is_writable()) return SDK_RET_HW_PROGRAM_ERR;
     rows::prefetch(rows_.main(main_row(hash)));
     return with(entry, [&](auto caller, auto cursor, auto fresh) {
         return insert_as(caller, cursor, fresh, hash);
@@ -47,6 +48,7 @@ sdk_ret_t engine::insert(base_table_entry_t *entry, uint32_t hash) {
 }
 
 sdk_ret_t engine::update(base_table_entry_t *entry, uint32_t hash) {
+    if (!rows_.is_writable()) return SDK_RET_HW_PROGRAM_ERR;
     rows::prefetch(rows_.main(main_row(hash)));
     return with(entry, [&](auto caller, auto cursor, auto) {
         stripe &shared = stripe_of(main_row(hash));
@@ -97,6 +99,7 @@ sdk_ret_t engine::remove_as(E entry, E cursor, E other, uint32_t hash) {
 }
 
 sdk_ret_t engine::remove(base_table_entry_t *entry, uint32_t hash) {
+    if (!rows_.is_writable()) return SDK_RET_HW_PROGRAM_ERR;
     rows::prefetch(rows_.main(main_row(hash)));
     return with(entry, [&](auto caller, auto cursor, auto other) {
         return remove_as(caller, cursor, other, hash);

@@ -53,9 +53,11 @@ class rows {
         overflow_ = hardware.hbm_rows(flow_ohash_table);
         main_rows_ = hardware.depth(flow_table);
         overflow_rows_ = hardware.depth(flow_ohash_table);
+        writable_ = hardware.is_writable();
         return main_ != nullptr && overflow_ != nullptr;
     }
 
+    bool is_writable() const { return writable_; }
     uint32_t main_rows() const { return main_rows_; }
     uint32_t overflow_rows() const { return overflow_rows_; }
     place main(uint32_t row) const { return {flow_table, row, main_ + offset(row)}; }
@@ -161,6 +163,7 @@ class rows {
     uint8_t *overflow_ = nullptr;
     uint32_t main_rows_ = 0;
     uint32_t overflow_rows_ = 0;
+    bool writable_ = false;
     write_hook hook_;
 };
 
