@@ -4,7 +4,10 @@
 #include "host/memory/flow_rows.h"
 #include "host/memory/row_store.h"
 #include "host/memory/troubles.h"
+#include "host/memory/work_page.h"
 #include "host/trace/trace.h"
+
+#include <fcntl.h>
 
 #include <stdexcept>
 
@@ -21,6 +24,8 @@ void check_depth(const char *name, uint32_t rows, uint32_t most) {
 }
 
 constexpr row_lengths tcam_lengths = {.most = tcam_image_bytes * 8, .step = 16};
+
+constexpr const char *work_file = "engines-at-work";
 
 uint32_t sram_rows(const table_memory &table) {
     const table_memory *overflow = table_memory_of(table.overflow);
@@ -67,6 +72,8 @@ adapter::~adapter() {
     for (auto &kind : rows_)
         for (auto &rows : kind) delete rows.load();
     for (auto &rows : flows_) delete rows.load();
+    // Nothing is under way: the next process has nothing to finish.
+    if (work_ != nullptr && keeps_rows() && work_->is_idle()) files_->remove(work_file);
 }
 
 std::vector<std::string> adapter::troubles() const { return troubles_->texts(); }
@@ -134,6 +141,41 @@ flow_rows *adapter::flow_rows_of(uint32_t tableid) {
                         std::string("cannot be mapped: ") + error.what());
     }
     return rows;
+}
+
+backing adapter::work_backing(bool &is_new) const {
+    is_new = true;
+    if (files_ == nullptr) return {};
+    const bool kept = keeps_rows();
+    file found = files_->open(work_file, kept ? O_RDWR : O_RDONLY);
+    is_new = !found.is_open();
+    if (is_new && kept) found = files_->open(work_file, O_RDWR | O_CREAT);
+    return {.on = std::move(found),
+            .how = kept            ? mapping::shared
+                   : is_writable() ? mapping::private_copy
+                                   : mapping::read_only};
+}
+
+work_page *adapter::work() {
+    const std::lock_guard guard(mapping_);
+    if (work_ != nullptr) return work_.get();
+    try {
+        bool is_new = false;
+        backing from = work_backing(is_new);
+        work_ = std::make_unique<work_page>(std::move(from), is_new && is_writable());
+    } catch (const std::exception &error) {
+        trace::error("what the engines have under way cannot be kept: %s", error.what());
+        troubles_->note(memory::sram, 0, trouble_list::whole_memory,
+                        files_ != nullptr ? files_->path() + "/" + work_file : "anonymous memory",
+                        std::string("cannot be mapped: ") + error.what());
+    }
+    return work_.get();
+}
+
+bool adapter::has_work_left() {
+    if (files_ == nullptr ? work_ == nullptr : !files_->has(work_file)) return false;
+    const work_page *page = work();
+    return page == nullptr || !page->is_idle();
 }
 
 uint8_t *adapter::hbm_rows(uint32_t tableid) {

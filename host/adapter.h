@@ -48,6 +48,7 @@ class directory;
 class flow_rows;
 class row_store;
 class trouble_list;
+class work_page;
 
 // One row before and after a write. For SRAM, `table` is the owner of the memory and `row` its row:
 // a write through an overflow table is seen in the hash table's window. TCAM images are the key (x)
@@ -138,6 +139,12 @@ class adapter {
     // adapter that is not writable takes none.
     uint8_t *hbm_rows(uint32_t tableid);
 
+    // What the engines have under way, for engines; null when it cannot be mapped.
+    work_page *work();
+    // Whether a process that was killed left work, which a table_state finishes when it is made. To
+    // be asked before rows are written without engines: the work may name them.
+    bool has_work_left();
+
     // SDK_RET_OK when the entry's row can be read in all its memories: SDK_RET_DAMAGED, or
     // SDK_RET_OOM for memory that cannot be mapped. Meets no fault.
     sdk_ret_t check_row(uint32_t tableid, uint32_t index);
@@ -160,6 +167,7 @@ class adapter {
     adapter(const std::string &directory, const adapter_options &options);
 
     backing backing_of(memory where, uint32_t tableid);
+    backing work_backing(bool &is_new) const;
     row_store *rows_of(memory where, uint32_t tableid);
     flow_rows *flow_rows_of(uint32_t tableid);
     sdk_ret_t find_sram(uint32_t tableid, uint32_t index, bool for_read, const char *call,
@@ -184,6 +192,7 @@ class adapter {
     std::mutex mapping_;
     std::array<std::array<std::atomic<row_store *>, last_table + 1>, memory_kinds> rows_ = {};
     std::array<std::atomic<flow_rows *>, flow_table + 1> flows_ = {};
+    std::unique_ptr<work_page> work_;
     std::atomic<bool> observed_ = false;
     std::mutex observing_;
     std::shared_ptr<const observer> observer_;

@@ -13,6 +13,7 @@
 
 #include "host/engines/access.h"
 #include "host/engines/engine.h"
+#include "host/memory/work_page.h"
 
 #include <cstring>
 #include <memory>
@@ -39,6 +40,7 @@ struct tcam_entry {
 
 struct sltcam::impl {
     impl(uint32_t id, bool trace) : rows(current(), id), counters(trace), entries(rows.rows()) {
+        finish_move();
         // Memory that cannot be mapped answers the same for every row.
         for (uint32_t row = 0; row < rows.rows() && unread != SDK_RET_OOM; ++row) {
             ternary_key images;
@@ -48,11 +50,7 @@ struct sltcam::impl {
             else
                 unread = found;
             if (found != SDK_RET_OK) continue;
-            // A process that ended in the middle of a move left its entry twice.
-            if (find_images(images) != none) {
-                if (rows.hardware().is_writable()) static_cast<void>(rows.clear(row));
-                continue;
-            }
+            if (of_an_unknown_move(row, images)) continue;
             entries[row] =
                 std::make_unique<tcam_entry>(tcam_entry{images, images.ones, images.specificity()});
         }
@@ -85,8 +83,38 @@ struct sltcam::impl {
     bool is_free(uint32_t n) const { return entries[usable[n]] == nullptr; }
     uint32_t specificity(uint32_t n) const { return entries[usable[n]]->specificity; }
 
+    // What a process that was killed in the middle of a move left: the entry twice, or data without
+    // a key where it was. The old row holds it until its key is gone.
+    void finish_move() {
+        work_page *work = work_of_tables();
+        if (work == nullptr || !rows.hardware().is_writable()) return;
+        const uint64_t word = work->of_table(rows.table()).load(std::memory_order_acquire);
+        const uint64_t from = (word >> 32) - 1, to = (word & UINT32_MAX) - 1;
+        if (word == 0 || from >= end() || to >= end()) return;
+        const auto old_row = static_cast<uint32_t>(from), new_row = static_cast<uint32_t>(to);
+        const sdk_ret_t result = rows.clear(rows.in_use(old_row) ? new_row : old_row);
+        if (result == SDK_RET_OK) name_move(0);
+    }
+    // An older process that was killed did not say what it was moving: the same entry with the same
+    // data in two rows.
+    bool of_an_unknown_move(uint32_t row, const ternary_key &images) const {
+        work_page *work = work_of_tables();
+        const bool unknown = work != nullptr && !work->is_known() && rows.hardware().is_writable();
+        const uint32_t other = unknown ? find_images(images) : none;
+        record_bytes here, there;
+        return other != none && rows.read(row, here) == SDK_RET_OK &&
+               rows.read(other, there) == SDK_RET_OK && here == there &&
+               rows.clear(row) == SDK_RET_OK;
+    }
+    work_page *work_of_tables() const { return rows.hardware().work(); }
+    void name_move(uint64_t word) const {
+        if (work_page *work = work_of_tables())
+            work->of_table(rows.table()).store(word, std::memory_order_release);
+    }
+
     // Empties a free row that a refused call could not.
     sdk_ret_t sweep();
+    sdk_ret_t copy_and_clear(uint32_t from, uint32_t to, const record_bytes &data);
     sdk_ret_t move(uint32_t from, uint32_t to);
     sdk_ret_t make_room(uint32_t specificity, uint32_t &row);
     sdk_ret_t walk_up(uint32_t n, uint32_t high, uint32_t &row);
@@ -111,14 +139,13 @@ struct sltcam::impl {
 sdk_ret_t sltcam::impl::sweep() {
     if (left_behind == none) return SDK_RET_OK;
     const sdk_ret_t result = rows.clear(left_behind);
-    if (result == SDK_RET_OK) left_behind = none;
+    if (result != SDK_RET_OK) return result;
+    left_behind = none;
+    name_move(0);
     return result;
 }
 
-// Copies an entry to a free row, then empties its old one.
-sdk_ret_t sltcam::impl::move(uint32_t from, uint32_t to) {
-    record_bytes data;
-    if (sdk_ret_t bad = rows.read(from, data)) return bad;
+sdk_ret_t sltcam::impl::copy_and_clear(uint32_t from, uint32_t to, const record_bytes &data) {
     if (sdk_ret_t bad = rows.write(to, &entries[from]->images, data.data())) {
         if (rows.in_use(to)) left_behind = to;
         return bad;
@@ -127,6 +154,19 @@ sdk_ret_t sltcam::impl::move(uint32_t from, uint32_t to) {
         if (rows.clear(to) != SDK_RET_OK) left_behind = to;
         return bad;
     }
+    return SDK_RET_OK;
+}
+
+// Copies an entry to a free row, then empties its old one.
+sdk_ret_t sltcam::impl::move(uint32_t from, uint32_t to) {
+    if (work_of_tables() == nullptr) return SDK_RET_OOM;
+    record_bytes data;
+    if (sdk_ret_t bad = rows.read(from, data)) return bad;
+    name_move(uint64_t{from + 1} << 32 | (to + 1));
+    const sdk_ret_t bad = copy_and_clear(from, to, data);
+    // A row that is left behind stays named until it is swept.
+    if (left_behind == none) name_move(0);
+    if (bad != SDK_RET_OK) return bad;
     entries[to] = std::move(entries[from]);
     counters.add(counters.moves);
     return SDK_RET_OK;

@@ -8,14 +8,14 @@
 //     tev_tbl_lif_mapping_create(&spec);
 //
 // The adapter becomes the process's current one. Entries that stand in its memory are the engines'
-// first ones; where an earlier process was killed at work in the adapter's directory, what it left
-// half done in the flow memories is put right first, and no entry whose call had returned is lost.
+// first ones; what a process that was killed in the adapter's directory had begun is completed or
+// taken back first. No entry whose call had returned is lost, and no row that somebody wrote: only
+// rows that an operation under way had named are changed (memory/work_page.h).
 // A directory that is open for reading is left as it is: the engines answer, and refuse to write.
 // At the end what was published before is so again.
 //
 // No table call may run while a state is made or destroyed. A table whose engine cannot be made
-// ends the process; a directory in which nothing can be put right or marked throws
-// std::runtime_error.
+// ends the process; flows that cannot be put right throw std::runtime_error.
 
 #include "host/adapter.h"
 #include "tev_tbl_impl_state.h"
@@ -34,10 +34,9 @@ class table_state {
     api::impl::tev_tbl_impl_state &tables() { return state_->tables; }
 
   private:
-    void begin_work(const adapter &hardware);
+    void finish_work(const adapter &hardware);
 
     scoped_current current_;
-    const directory *marked_ = nullptr;  // where this state left its mark
     std::unique_ptr<api::impl::tev_host_state> state_;
     api::impl::tev_host_state *before_;
 };

@@ -1,5 +1,6 @@
 #include "tests/engines/flow_bed.h"
 
+#include "host/memory/work_page.h"
 #include "host/view/lookup.h"
 #include "tests/engines/flow_derived.h"
 
@@ -173,14 +174,25 @@ memory_image flow_bed::memories() {
             std::memcpy(out[{table, row}].data(), adapter_->hbm_rows(table) + size_t{128} * row,
                         128);
     }
+    // What the operation under way said of itself, too, in pieces of a row's size.
+    const auto words = adapter_->work()->all().subspan(host::work_page::groups_at / 8);
+    constexpr size_t piece = 16;
+    for (size_t at = 0; at < words.size(); at += piece)
+        if (std::any_of(&words[at], &words[at] + piece, [](uint64_t word) { return word != 0; }))
+            std::memcpy(out[{work_pieces, static_cast<uint32_t>(at / piece)}].data(), &words[at],
+                        128);
     return out;
 }
 
+uint8_t *flow_bed::memory_at(std::pair<uint32_t, uint32_t> place) {
+    const auto [table, row] = place;
+    if (table != work_pieces) return adapter_->hbm_rows(table) + size_t{128} * row;
+    return reinterpret_cast<uint8_t *>(adapter_->work()->of_groups()) + size_t{128} * row;
+}
+
 void flow_bed::put_memories(const memory_image &image) {
-    for (const auto &[place, row] : memories())
-        std::memset(adapter_->hbm_rows(place.first) + size_t{128} * place.second, 0, 128);
-    for (const auto &[place, row] : image)
-        std::memcpy(adapter_->hbm_rows(place.first) + size_t{128} * place.second, row.data(), 128);
+    for (const auto &[place, row] : memories()) std::memset(memory_at(place), 0, 128);
+    for (const auto &[place, row] : image) std::memcpy(memory_at(place), row.data(), 128);
 }
 
 uint32_t flow_bed::rows_in_use(uint32_t table) {
@@ -205,7 +217,7 @@ void flow_bed::expect_exactly_the_flows(const std::vector<uint64_t> &numbers) {
         ASSERT_EQ(get(number), SDK_RET_ENTRY_NOT_FOUND) << "key " << number;
         ASSERT_EQ(seen_by_hardware(number), -1) << "key " << number;
     }
-    ASSERT_EQ(main_rows_in_use() + overflow_rows_in_use(), flows.size());
+    ASSERT_EQ(main_rows_in_use() + overflow_rows_in_use(), flows.size() + rows_apart);
 }
 
 }  // namespace halden::test

@@ -42,7 +42,8 @@ struct kept_entry {
     flow_hash_entry_t entry;
 };
 
-// Rows by table and number.
+// Rows by table and number; pieces of the engine's words of work under way as those of table 0.
+inline constexpr uint32_t work_pieces = 0;
 using memory_image = std::map<std::pair<uint32_t, uint32_t>, host::flow_image>;
 
 // A table of a class derived from flow_hash, as the factory makes one of the class itself.
@@ -77,7 +78,7 @@ class flow_bed {
 
     // The flow_idx that the hardware's view finds for the key; -1 for a miss.
     int64_t seen_by_hardware(uint64_t number);
-    // Every row of both memories that is not all zero.
+    // Every row of both memories, and of what is under way, that is not all zero.
     memory_image memories();
     void put_memories(const memory_image &image);
     uint32_t overflow_rows_in_use();
@@ -87,6 +88,8 @@ class flow_bed {
     void expect_exactly_the_flows(const std::vector<uint64_t> &numbers);
 
     std::unordered_map<uint64_t, uint32_t> flows;
+    // Rows in use that nothing leads to.
+    uint32_t rows_apart = 0;
 
     // How the calls by key number are made: with entries of a derived class, and as the only entry
     // of a call for many.
@@ -100,6 +103,7 @@ class flow_bed {
     sdk_ret_t call(flow_hash_entry_t &entry, single_call single, batch_call batch);
     sdk_ret_t call_as(flow_hash_entry_t &entry, single_call single, batch_call batch);
     uint32_t rows_in_use(uint32_t table);
+    uint8_t *memory_at(std::pair<uint32_t, uint32_t> place);
 
     std::unique_ptr<host::adapter> adapter_;
     host::scoped_current current_;

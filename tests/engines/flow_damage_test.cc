@@ -122,6 +122,8 @@ TEST_P(FlowCircle, IsCutByRestoring) {
     for (const uint64_t number : numbers_)
         if (found(number) == SDK_RET_OK) bed_.flows[number] = static_cast<uint32_t>(number + 7);
     EXPECT_EQ(bed_.flows.size(), GetParam().valid ? 3u : 2u);
+    // Rows without a flow are cut off, and stay: nobody said that they may go.
+    bed_.rows_apart = GetParam().valid ? 0 : static_cast<uint32_t>(GetParam().rows.size());
     bed_.expect_exactly_the_flows(missing_);
     for (const uint64_t number : missing_) EXPECT_EQ(bed_.insert(number, 9), SDK_RET_OK);
     bed_.expect_exactly_the_flows(numbers_);

@@ -68,7 +68,7 @@ TEST(FlowRestore, DamagedHintsAreCutAndAllThatIsReachedIsFound) {
     std::mt19937_64 random(31);
     for (unsigned round = 0; round < 300; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
-        flow_bed bed({4, 32});
+        flow_bed bed({4, 64});
         const std::vector<uint64_t> numbers = numbers_up_to(24);
         for (const uint64_t number : numbers) bed.insert(number, 5);
         ASSERT_EQ(bed.flows.size(), 24u);
@@ -93,9 +93,11 @@ TEST(FlowRestore, DamagedHintsAreCutAndAllThatIsReachedIsFound) {
             EXPECT_EQ(bed.table().get(&call), SDK_RET_OK);
             return true;
         });
-        EXPECT_EQ(ftl_access::count(bed.table()), left);
-        EXPECT_EQ(bed.main_rows_in_use() + bed.overflow_rows_in_use(), left);
+        // What is cut off stays in its row: it may be somebody's.
+        EXPECT_EQ(ftl_access::count(bed.table()), 24u);
+        EXPECT_EQ(bed.main_rows_in_use() + bed.overflow_rows_in_use(), 24u);
         EXPECT_GE(left, 4u);
+        bed.rows_apart = 24 - left;
         // Whatever was cut off can come again.
         for (const uint64_t number : numbers)
             if (bed.get(number) != SDK_RET_OK) {

@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "host/state/table_state.h"
 #include "host/view/lookup.h"
 #include "host/view/row_hash.h"
 #include "p4gen/halden/pipeline/layout.h"
@@ -161,6 +162,8 @@ std::string count_of(size_t n, const char *one, const char *many) {
 
 void write(const opened_adapter &adapter, const std::string &path, bool quiet) {
     std::vector<file_entry> entries = read_entry_file(path);
+    // What a killed process had begun may name rows that are written now: it is finished before.
+    if (adapter->has_work_left()) host::table_state finished(*adapter);
     const std::vector<placed> places = place_all(*adapter, entries);
     const auto scratch = host::adapter::anonymous();
     std::set<uint32_t> tables_seen;

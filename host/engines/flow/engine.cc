@@ -11,7 +11,7 @@ namespace halden::host::flow {
 namespace {
 
 // Enough that writers rarely meet, few enough to stay in the cache.
-constexpr uint32_t most_stripes = 4096;
+constexpr uint32_t most_stripes = work_page::groups;
 
 }  // namespace
 
@@ -33,6 +33,8 @@ engine::~engine() {
 
 sdk_ret_t engine::start(adapter &hardware) {
     if (!rows_.map(hardware)) return SDK_RET_OOM;
+    work_ = hardware.work();
+    if (work_ == nullptr) return SDK_RET_OOM;
     main_shift_ = 32 - static_cast<uint32_t>(std::countr_zero(rows_.main_rows()));
     stripe_count_ = std::min(most_stripes, rows_.main_rows());
     void *memory = table_.ftl_calloc(table_id_, stripe_count_ * sizeof(stripe), false);

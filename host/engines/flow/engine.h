@@ -36,11 +36,13 @@
 // Column 0 is the row a walk stands on, the other columns serve the operation. Entries that are
 // known to be flow_hash_entry_t need no scratch: their bodies are worked on in place.
 
+#include "host/engines/flow/bucket_work.h"
 #include "host/engines/flow/entry_handle.h"
 #include "host/engines/flow/free_rows.h"
 #include "host/engines/flow/rows.h"
 #include "host/engines/flow/scratch.h"
 #include "host/engines/flow/stripe.h"
+#include "host/memory/work_page.h"
 #include "sdk/table/ftl_base.h"
 
 #include <mutex>
@@ -115,14 +117,22 @@ class engine {
     size_t remove(std::span<base_table_entry_t *const> entries, sdk_ret_t *results);
     size_t get(std::span<base_table_entry_t *const> entries, sdk_ret_t *results);
 
-    // Completes or takes back what the memories hold of operations that never ended, empties
-    // overflow rows that nothing leads to, and counts anew. No other thread may be at work. Flows
+    // Completes or takes back what a process that was killed had begun, as its work page names it,
+    // and counts anew. Nothing is changed in other buckets and rows. Where the page tells nothing,
+    // this is restore(). No other thread may be at work.
+    sdk_ret_t finish_work();
+    // The same, and then all buckets: hints that lead nowhere, in circles or to flows of another
+    // hash are cut, a row without a flow that others hang on gets the flow of the last of them, a
+    // flow that is in a row before it goes. An overflow row is emptied only where an engine had
+    // begun to, or its flow was moved; others that nothing leads to are somebody's, and stay. Flows
     // are looked for by the hash that genhash_ gives: one that was inserted with another hash of
-    // the caller's is taken for a torn chain and lost. A genhash_ that fails ends the work with its
-    // code, before anything is taken for torn.
+    // the caller's is cut off. A genhash_ that fails ends the work with its code, before anything
+    // is taken for torn.
     sdk_ret_t restore();
 
     rows &memory() { return rows_; }
+    // Null while the memories are not mapped.
+    work_page *work() { return work_; }
     // Hands out no overflow row below `end`. No operation may be under way.
     void leave_out(uint32_t end);
     uint64_t count() const;
@@ -140,6 +150,12 @@ class engine {
     }
     static uint32_t hint_hash(uint32_t hash) { return hash & ((1u << hint_hash_bits) - 1); }
     stripe &stripe_of(uint32_t main_row) const { return stripes_[main_row & (stripe_count_ - 1)]; }
+
+    // For an operation that holds the bucket's lock.
+    bucket_work begin_work(uint32_t hash) const {
+        const uint32_t bucket = main_row(hash);
+        return {work_->of_groups(), bucket & (stripe_count_ - 1), bucket};
+    }
 
     // Calls `work` with handles of the entry and of two to work in: plain ones where the caller's
     // entry and the table's are plain, else scratch entries of the table.
@@ -229,6 +245,7 @@ class engine {
     uint32_t main_shift_ = 32;
     uint32_t stripe_count_ = 0;
     stripe *stripes_ = nullptr;
+    work_page *work_ = nullptr;
     uint32_t *free_words_ = nullptr;
     uint32_t left_out_ = 0;  // overflow rows below are not handed out
     rows rows_;

@@ -1,13 +1,18 @@
 // Putting the memories right after a process died in the middle of operations.
 //
-// What one operation can have left in its bucket:
-//   * a main or overflow row that is not valid and has no hints: half made, or half emptied;
-//   * an overflow row that nothing leads to: not linked yet, or not linked any more;
-//   * a slot with part of a hint, which leads to a row of another
-//     bucket, to an empty row or back;
+// What one operation can have left in its bucket, and what its word on the work page then names:
+//   * a main row that is not valid and has no hints, half made or half emptied: the main row;
+//   * an overflow row that nothing leads to, not linked yet or not linked any more: that row;
+//   * a slot with part of a hint, which leads to a row of another bucket, to an empty row or back:
+//     the row that was being linked or unlinked;
 //   * a row that is not valid and has hints: its entry is removed, the leaf that shall take its
-//     place is still a leaf;
-//   * a leaf whose key stands in a row before it: its copy was made, the leaf is to go.
+//     place is still a leaf: the leaf, and the main row if the place is there;
+//   * a leaf whose key is in a row before it: its copy was made, the leaf is to go: the leaf.
+//
+// Finishing what was under way goes to the named buckets alone; in them it cuts hints that lead to
+// no flow of theirs, and empties what is named. Its own stores are covered by the same word, which
+// goes last: killed at any instant, it is done again. Restoring goes to all buckets and names each
+// row before it empties it, so that a kill leaves work of the first kind.
 
 #include "host/engines/engine.h"
 #include "host/engines/flow/engine_work.h"
@@ -24,26 +29,21 @@ class restorer {
           other_(of.scratch(mine_, 1)),
           used_(of.rows_.overflow_rows()) {}
 
-    sdk_ret_t run() {
+    // Everything that the page names, and with `all` every bucket.
+    sdk_ret_t run(bool all) {
         // The thread's scratch entry for hashing, before anything is changed.
         uint32_t hash = 0;
         row_->clear();
         if (const sdk_ret_t result = hash_of_entry(row_, hash); result != SDK_RET_OK) return result;
-        place at;
-        for (rows::used_rows used(of_.rows_, flow_table); used.next(at);) {
-            bucket_ = at.row;
-            way_.clear();
-            const bool holds = repair(at);
-            if (failure_ != SDK_RET_OK) {
-                of_.note_rows_in_use();
-                return failure_;
-            }
-            if (!holds) make_empty(at);
+        bool changed = finish_named();
+        all = all || says_nothing_ || !of_.work_->is_known();
+        if (all && failure_ == SDK_RET_OK) {
+            changed = true;
+            restore_all();
         }
-        for (rows::used_rows used(of_.rows_, flow_ohash_table); used.next(at);)
-            if (!used_[at.row]) make_empty(at);
-        of_.note_rows_in_use();
-        return SDK_RET_OK;
+        if (changed) of_.note_rows_in_use();
+        if (all && failure_ == SDK_RET_OK) of_.work_->set_known();
+        return failure_;
     }
 
   private:
@@ -51,6 +51,66 @@ class restorer {
         place from;
         uint32_t slot;
     };
+
+    // Answers whether there was anything.
+    bool finish_named() {
+        bool any = false;
+        for (uint32_t group = 0; group < work_page::groups && failure_ == SDK_RET_OK; ++group) {
+            word_ = of_.work_->of_groups() + group;
+            const uint64_t found = word().load(std::memory_order_acquire);
+            if (found == 0) continue;
+            any = true;
+            named_ = work_named::in(found);
+            if (named_.bucket < of_.rows_.main_rows() && named_.row < of_.rows_.overflow_rows())
+                finish_bucket();
+            else
+                says_nothing_ = true;  // no engine writes such a word
+            if (failure_ == SDK_RET_OK) word().store(0, std::memory_order_release);
+        }
+        return any;
+    }
+
+    void finish_bucket() {
+        std::fill(used_.begin(), used_.end(), false);
+        const place main = of_.rows_.main(named_.bucket);
+        const bool holds = start_at(main);
+        if (failure_ != SDK_RET_OK) return;
+        if (!holds && named_.of_main) make_empty(main);
+        if (named_.row != 0 && !used_[named_.row]) make_empty(of_.rows_.overflow(named_.row));
+    }
+
+    void restore_all() {
+        all_ = true;
+        std::fill(used_.begin(), used_.end(), false);
+        place at;
+        for (rows::used_rows used(of_.rows_, flow_table); used.next(at);) {
+            named_ = {at.row, 0, false};
+            word_ = of_.work_->of_groups() + (at.row & (of_.stripe_count_ - 1));
+            start_at(at);
+            if (failure_ != SDK_RET_OK) return;
+            word().store(0, std::memory_order_release);
+        }
+    }
+
+    bool start_at(const place &main) {
+        bucket_ = main.row;
+        way_.clear();
+        return repair(main);
+    }
+
+    std::atomic_ref<uint64_t> word() const { return std::atomic_ref<uint64_t>(*word_); }
+
+    // Before a store. What is finished was named by the process that began it.
+    void name(uint32_t row, bool of_main) {
+        if (!all_) return;
+        named_.row = row;
+        named_.of_main = of_main;
+        word().store(named_.word(), std::memory_order_relaxed);
+    }
+
+    bool is_named(const place &at) const {
+        return at.is_main() ? named_.of_main : at.row == named_.row;
+    }
 
     sdk_ret_t hash_of_entry(base_table_entry_t *entry, uint32_t &hash) {
         sdk_table_api_params_ call = {};
@@ -106,15 +166,18 @@ class restorer {
         if (hint == 0) return;
         // A row that was come to before stays with the row that led there first.
         way_.push_back({at, slot});
-        bool holds = false;
+        bool holds = false, taken_out = false;
         if (belongs(hint) && !used_[hint] && way_.size() < longest_walk) {
             used_[hint] = true;
             holds = repair(of_.rows_.overflow(hint));
             used_[hint] = holds;
+            taken_out = !holds && is_named(of_.rows_.overflow(hint));
         }
         way_.pop_back();
         if (holds || failure_ != SDK_RET_OK) return;
+        if (!taken_out) name(0, false);
         of_.unlink(at, row_, slot);
+        if (all_ && taken_out) make_empty(of_.rows_.overflow(hint));
     }
 
     // Puts a row right, and all that hang on it; false when it holds no flow.
@@ -125,15 +188,22 @@ class restorer {
         }
         rows::load(at, body_of(row_));
         if (row_->get_entry_valid() != 0) {
-            if (!stands_in_an_ancestor(row_)) return true;
+            if (!(all_ || is_named(at)) || !stands_in_an_ancestor(row_)) return true;
+            if (!at.is_main()) name(at.row, false);
             row_->set_entry_valid(0);
             of_.rows_.store_changed(at, body_of(row_));
         }
         const walk leaf = of_.leaf_under(at, other_);
         if (leaf.slot == 0 || leaf.broken) return false;
+        // The row that finishing may move is the one that was to be moved.
+        if (other_->get_entry_valid() == 0 ||
+            !(all_ || (is_named(leaf.at) && (!at.is_main() || named_.of_main))))
+            return true;
+        name(leaf.at.row, at.is_main());
         of_.replace(at, row_, other_);
         of_.unlink(leaf.parent, row_, leaf.slot);
         used_[leaf.at.row] = false;
+        if (all_) make_empty(leaf.at);
         return true;
     }
 
@@ -144,12 +214,22 @@ class restorer {
     std::vector<bool> used_;
     std::vector<step> way_;
     uint32_t bucket_ = 0;
+    bool all_ = false;
+    bool says_nothing_ = false;       // a word of the page
+    work_named named_;                // what may be emptied in the bucket at hand
+    uint64_t *word_ = nullptr;        // that names it
     sdk_ret_t failure_ = SDK_RET_OK;  // of a hash; nothing is changed any more
 };
 
 sdk_ret_t engine::restore() {
     if (!rows_.is_writable()) return SDK_RET_HW_PROGRAM_ERR;
-    return guarded([&] { return restorer(*this).run(); });
+    return guarded([&] { return restorer(*this).run(true); });
+}
+
+sdk_ret_t engine::finish_work() {
+    // Whoever only reads finds every flow as it is.
+    if (!rows_.is_writable() || work_->is_idle()) return SDK_RET_OK;
+    return guarded([&] { return restorer(*this).run(false); });
 }
 
 }  // namespace halden::host::flow

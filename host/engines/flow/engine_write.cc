@@ -1,5 +1,6 @@
 // Insert, update and remove: which words are stored, and in which order.
 
+#include "host/engines/flow/bucket_work.h"
 #include "host/engines/flow/engine_work.h"
 
 #include <utility>
@@ -18,6 +19,8 @@ sdk_ret_t engine::insert_as(E entry, E cursor, E fresh, uint32_t hash) {
         const place main = rows_.main(main_row(hash));
         rows::load(main, body_of(cursor));
         const stripe_change change(shared);
+        bucket_work work = begin_work(hash);
+        work.names(0, true);
         replace(main, cursor, entry);
         shared.count(1, 0);
         return SDK_RET_OK;
@@ -33,6 +36,8 @@ sdk_ret_t engine::insert_as(E entry, E cursor, E fresh, uint32_t hash) {
     take_key_and_data(fresh, entry);
     fresh->set_entry_valid(1);
     const stripe_change change(shared);
+    bucket_work work = begin_work(hash);
+    work.names(row, false);
     rows_.store_all(rows_.overflow(row), body_of(fresh));
     link(way.at, cursor, slot, row, hash);
     shared.count(0, 1);
@@ -72,20 +77,25 @@ sdk_ret_t engine::remove_as(E entry, E cursor, E other, uint32_t hash) {
     if (!leaf.found) return SDK_RET_ENTRY_NOT_FOUND;
     rows::load(leaf.at, body_of(cursor));
     const stripe_change change(shared);
-    for (const place from = leaf.at; cursor->find_last_hint() != 0;) {
+    bucket_work work = begin_work(hash);
+    const place from = leaf.at;
+    while (cursor->find_last_hint() != 0) {
         leaf = leaf_under(from, other);
         if (leaf.broken) return SDK_RET_ERR;
         if (other->get_entry_valid() == 0) {
             // Damaged memory: a hint to a row that somebody emptied. Whose it is is not known here.
+            work.names(0, false);
             unlink(leaf.parent, other, leaf.slot);
             rows::load(from, body_of(cursor));
             leaf.at = from;
             continue;
         }
+        work.names(leaf.at.row, from.is_main());
         replace(from, cursor, other);
         std::swap(cursor, other);  // from here on the leaf is the row in hand
         break;
     }
+    work.names(leaf.at.is_main() ? 0 : leaf.at.row, from.is_main());
     if (leaf.at.is_main()) {
         empty(leaf.at, cursor);
         shared.count(-1, 0);

@@ -80,6 +80,10 @@ void ftl_access::set_write_hook(ftl_base &table, write_hook hook) {
     if (table.impl_ != nullptr) table.impl_->memory().set_hook(std::move(hook));
 }
 
+sdk_ret_t ftl_access::finish_work(ftl_base &table) {
+    return table.impl_ != nullptr ? table.impl_->finish_work() : SDK_RET_INVALID_ARG;
+}
+
 void ftl_access::leave_out_overflow_rows(ftl_base &table, uint32_t end) {
     if (table.impl_ != nullptr) table.impl_->leave_out(end);
 }

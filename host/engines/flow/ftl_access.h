@@ -84,6 +84,10 @@ class ftl_access {
     // empty function ends it. No operation may be under way.
     static void set_write_hook(ftl_base &table, write_hook hook);
 
+    // Completes or takes back what a process that was killed had begun, as the adapter's work page
+    // names it; restore_state() does so too and goes over all flows. No operation may be under way.
+    static sdk_ret_t finish_work(ftl_base &table);
+
     // From now on no new flow takes an overflow row below `end`. No operation may be under way.
     static void leave_out_overflow_rows(ftl_base &table, uint32_t end);
 };
