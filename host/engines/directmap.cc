@@ -134,8 +134,4 @@ engine_statistics directmap_access::statistics(const directmap &table) {
     return out;
 }
 
-void directmap_access::for_each(const directmap &table, const entry_visitor &visit) {
-    table.impl_->rows.for_each(visit);
-}
-
 }  // namespace sdk::table

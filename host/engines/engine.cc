@@ -87,19 +87,16 @@ sdk_ret_t table_rows::write(uint32_t row, const ternary_key *images, const void 
     return result;
 }
 
-sdk_ret_t table_rows::read(uint32_t row, record_bytes &data, record_bytes *key,
-                           record_bytes *mask) const {
-    record_bytes own_key, own_mask;
+sdk_ret_t table_rows::read(uint32_t row, record_bytes &data, record_bytes *key) const {
+    record_bytes own_key, mask = {};
     if (key == nullptr) key = &own_key;
-    if (mask == nullptr) mask = &own_mask;
     data.fill(0);
     key->fill(0);
-    mask->fill(0);
     data[0] = not_read;
     const asic_outcome outcome;
     // An empty TCAM row is a failure to the reader, an empty row of the others is not.
     const p4pd_error_t result =
-        p4pd_global_entry_read(table_, row, key->data(), mask->data(), data.data(), nullptr, true);
+        p4pd_global_entry_read(table_, row, key->data(), mask.data(), data.data(), nullptr, true);
     if (outcome.refusal() != SDK_RET_OK) return outcome.refusal();
     if (result == P4PD_SUCCESS && data[0] != not_read) return SDK_RET_OK;
     // In use, and its program is none of the table's actions: somebody's, and no entry.
@@ -120,20 +117,6 @@ uint32_t table_rows::count_used() const {
          row = hardware_.next_used(table_, row + 1))
         ++used;
     return used;
-}
-
-void table_rows::for_each(const entry_visitor &visit) const {
-    record_bytes data, key, mask;
-    const bool ternary = table_memory_of(table_)->has_tcam();
-    for (uint32_t row = hardware_.next_used(table_, 0); row < rows();
-         row = hardware_.next_used(table_, row + 1)) {
-        if (read(row, data, &key, &mask) != SDK_RET_OK) continue;
-        visit({table_,
-               row,
-               {key.data(), key_bytes()},
-               {mask.data(), ternary ? key_bytes() : size_t{0}},
-               {data.data(), data_bytes()}});
-    }
 }
 
 bool memory_is_refused(uint32_t table) {

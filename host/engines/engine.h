@@ -15,9 +15,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <functional>
 #include <new>
-#include <span>
 
 namespace halden::host {
 
@@ -58,15 +56,13 @@ class table_rows {
     // Writes a whole entry; on failure a row that was empty is empty again, and one that was not
     // has its old data.
     sdk_ret_t write(uint32_t row, const ternary_key *images, const void *data) const;
-    // Reads one; SDK_RET_ENTRY_NOT_FOUND for an empty row. Null for what is not wanted.
-    sdk_ret_t read(uint32_t row, record_bytes &data, record_bytes *key = nullptr,
-                   record_bytes *mask = nullptr) const;
+    // Reads one; SDK_RET_ENTRY_NOT_FOUND for an empty row. Null for a key that is not wanted.
+    sdk_ret_t read(uint32_t row, record_bytes &data, record_bytes *key = nullptr) const;
     sdk_ret_t clear(uint32_t row) const;
     // Whether hardware sees an entry there.
     bool in_use(uint32_t row) const { return hardware_.next_used(table_, row) == row; }
 
     uint32_t count_used() const;
-    void for_each(const entry_visitor &visit) const;
 
   private:
     sdk_ret_t write_once(uint32_t row, const ternary_key *images, const void *data) const;

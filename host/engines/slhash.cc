@@ -247,10 +247,4 @@ engine_statistics slhash_access::statistics(const slhash &table) {
     return out;
 }
 
-void slhash_access::for_each(const slhash &table, const entry_visitor &visit) {
-    const std::shared_lock lock(table.impl_->mutex);
-    table.impl_->main.for_each(visit);
-    table.impl_->overflow.for_each(visit);
-}
-
 }  // namespace sdk::table

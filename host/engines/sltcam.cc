@@ -320,9 +320,4 @@ engine_statistics sltcam_access::statistics(const sltcam &table) {
     return out;
 }
 
-void sltcam_access::for_each(const sltcam &table, const entry_visitor &visit) {
-    const std::shared_lock lock(table.impl_->mutex);
-    table.impl_->rows.for_each(visit);
-}
-
 }  // namespace sdk::table

@@ -160,26 +160,6 @@ TEST_P(Directmap, EntriesOutliveTheProcess) {
     }
 }
 
-TEST_P(Directmap, IterationGivesEveryEntryInRowOrder) {
-    const uint32_t step = 1 + rows() / 10;
-    std::vector<uint32_t> wanted, found;
-    for (uint32_t row = 0; row < rows(); row += step) {
-        wanted.push_back(row);
-        ASSERT_EQ(create(key(row), data(row, 0)), 0u);
-    }
-    sdk::table::directmap_access::for_each(
-        *static_cast<const sdk::table::directmap *>(t().engine(tables())),
-        [&](const host::stored_entry &entry) {
-            EXPECT_EQ(entry.table, t().id);
-            EXPECT_TRUE(entry.key.empty());
-            const bytes record(entry.data.begin(), entry.data.end());
-            EXPECT_EQ(reference::packed_data(t().id, record),
-                      reference::packed_data(t().id, data(entry.row, 0)));
-            found.push_back(entry.row);
-        });
-    EXPECT_EQ(found, wanted);
-}
-
 // The tables of two million rows are a program of their own.
 std::vector<api_table> tables_of_this_program() {
     std::vector<api_table> out;

@@ -275,7 +275,8 @@ class HashArguments : public KeyedArguments<slhash> {
     host::engine_statistics figures() { return sdk::table::slhash_access::statistics(*engine_); }
     // Inserts keys until one stands in the overflow, and leaves the first of its row and that one.
     void collide(vlan_mapping_swkey_t &last) {
-        for (uint32_t n = 0; figures().overflow_used == 0; ++n) {
+        const uint32_t none = adapter_->depth(vlan_mapping_otcam);
+        for (uint32_t n = 0; adapter_->next_used(vlan_mapping_otcam, 0) == none; ++n) {
             last.vlan_id = static_cast<uint16_t>(n & 0xfff);
             last.l2seg = static_cast<uint16_t>(n >> 12);
             vlan_mapping_actiondata_t record = data(static_cast<uint16_t>(n & 0xfff));
