@@ -31,9 +31,20 @@ halden_adapter_result_t fail(halden_adapter_result_t result, const char *text) {
 
 halden::host::adapter_options options_of(const halden_adapter_options_t &given) {
     halden::host::adapter_options out;
+    out.access = static_cast<halden::host::access>(given.access);
     if (given.flow_rows != 0) out.flow_rows = given.flow_rows;
     if (given.flow_ohash_rows != 0) out.flow_ohash_rows = given.flow_ohash_rows;
     return out;
+}
+
+static_assert(static_cast<int>(halden::host::access::create) == HALDEN_ACCESS_CREATE);
+static_assert(static_cast<int>(halden::host::access::write) == HALDEN_ACCESS_WRITE);
+static_assert(static_cast<int>(halden::host::access::read) == HALDEN_ACCESS_READ);
+static_assert(static_cast<int>(halden::host::access::rehearse) == HALDEN_ACCESS_REHEARSE);
+
+bool is_access(halden_adapter_access_t value) {
+    const auto number = static_cast<unsigned>(value);
+    return number <= HALDEN_ACCESS_REHEARSE;
 }
 
 void open_into(halden_adapter_t &out, const char *directory,
@@ -54,6 +65,8 @@ halden_adapter_result_t halden_adapter_open(const char *directory,
     *out = nullptr;
     const halden_adapter_options_t wanted =
         options == nullptr ? halden_adapter_options_t{} : *options;
+    if (!is_access(wanted.access))
+        return fail(HALDEN_ADAPTER_INVALID_ARG, "halden_adapter_open: access is 0 to 3");
     try {
         const std::scoped_lock one_at_a_time(opening);
         if (open_one != nullptr)
@@ -63,6 +76,8 @@ halden_adapter_result_t halden_adapter_open(const char *directory,
         open_into(*made, directory, wanted);
         *out = open_one = made.release();
         return HALDEN_ADAPTER_OK;
+    } catch (const halden::host::no_adapter &e) {
+        return fail(HALDEN_ADAPTER_ABSENT, e.what());
     } catch (const std::bad_alloc &) {
         return fail(HALDEN_ADAPTER_NO_MEMORY, "halden_adapter_open: out of memory");
     } catch (const std::exception &e) {

@@ -25,14 +25,25 @@ typedef struct halden_adapter_ halden_adapter_t;
 
 typedef enum halden_adapter_result_ {
     HALDEN_ADAPTER_OK = 0,
-    HALDEN_ADAPTER_INVALID_ARG = 1, /* a null pointer */
+    HALDEN_ADAPTER_INVALID_ARG = 1, /* a null pointer, an access that there is not */
     HALDEN_ADAPTER_IN_USE = 2,      /* an adapter of this process is open */
     HALDEN_ADAPTER_NO_MEMORY = 3,
-    HALDEN_ADAPTER_REFUSED = 4 /* the message says by what and why */
+    HALDEN_ADAPTER_ABSENT = 4, /* there is none in the directory, and none is made */
+    HALDEN_ADAPTER_REFUSED = 5 /* the message says by what and why */
 } halden_adapter_result_t;
+
+/* How a directory is opened. One process has it for writing, or any number have it for the last
+ * two. */
+typedef enum halden_adapter_access_ {
+    HALDEN_ACCESS_CREATE = 0,  /* as write; made where the directory is absent or empty */
+    HALDEN_ACCESS_WRITE = 1,   /* there must be one */
+    HALDEN_ACCESS_READ = 2,    /* there must be one, and nothing in it is changed */
+    HALDEN_ACCESS_REHEARSE = 3 /* there must be one; what is written ends with the adapter */
+} halden_adapter_access_t;
 
 /* Zero stands for the default of a member. */
 typedef struct halden_adapter_options_ {
+    halden_adapter_access_t access;
     uint32_t flow_rows;       /* a power of two; 4194304 */
     uint32_t flow_ohash_rows; /* a power of two; 2097152 */
 } halden_adapter_options_t;

@@ -15,7 +15,10 @@ namespace {
 
 using halden::test::scratch_directory;
 
-constexpr halden_adapter_options_t small = {.flow_rows = 1024, .flow_ohash_rows = 1024};
+constexpr halden_adapter_options_t with(halden_adapter_access_t access) {
+    return {.access = access, .flow_rows = 1024, .flow_ohash_rows = 1024};
+}
+constexpr halden_adapter_options_t small = with(HALDEN_ACCESS_CREATE);
 
 tev_tbl_ret_t create(uint16_t row, uint16_t lport) {
     tev_tbl_lif_mapping_spec_t spec = {};
@@ -66,11 +69,57 @@ TEST(AdapterInC, ARefusalSaysWhy) {
     EXPECT_EQ(adapter, nullptr);
     EXPECT_NE(std::strstr(halden_adapter_error(), file.c_str()), nullptr) << halden_adapter_error();
 
-    const halden_adapter_options_t odd = {.flow_rows = 1000, .flow_ohash_rows = 1024};
+    const halden_adapter_options_t odd = {
+        .access = HALDEN_ACCESS_CREATE, .flow_rows = 1000, .flow_ohash_rows = 1024};
     EXPECT_EQ(halden_adapter_open(nullptr, &odd, &adapter), HALDEN_ADAPTER_REFUSED);
     EXPECT_EQ(adapter, nullptr);
     EXPECT_NE(std::strstr(halden_adapter_error(), "1000"), nullptr) << halden_adapter_error();
     EXPECT_EQ(halden_adapter_open(nullptr, &small, nullptr), HALDEN_ADAPTER_INVALID_ARG);
+}
+
+TEST(AdapterInC, AnAdapterThatIsNotThereIsMadeForCreateAlone) {
+    const scratch_directory scratch;
+    const std::string directory = scratch.path() + "/adapter";
+    for (const auto access : {HALDEN_ACCESS_WRITE, HALDEN_ACCESS_READ, HALDEN_ACCESS_REHEARSE}) {
+        const auto options = with(access);
+        halden_adapter_t *adapter = nullptr;
+        EXPECT_EQ(halden_adapter_open(directory.c_str(), &options, &adapter), HALDEN_ADAPTER_ABSENT)
+            << access;
+        EXPECT_NE(std::strstr(halden_adapter_error(), directory.c_str()), nullptr)
+            << halden_adapter_error();
+        EXPECT_FALSE(std::filesystem::exists(directory));
+    }
+    const auto wrong = with(static_cast<halden_adapter_access_t>(4));
+    halden_adapter_t *adapter = nullptr;
+    EXPECT_EQ(halden_adapter_open(directory.c_str(), &wrong, &adapter), HALDEN_ADAPTER_INVALID_ARG);
+    EXPECT_STREQ(halden_adapter_error(), "halden_adapter_open: access is 0 to 3");
+}
+
+TEST(AdapterInC, ReadingAndRehearsingLeaveTheDirectoryAsItIs) {
+    const scratch_directory scratch;
+    const std::string directory = scratch.path() + "/adapter";
+    halden_adapter_t *adapter = nullptr;
+    ASSERT_EQ(halden_adapter_open(directory.c_str(), &small, &adapter), HALDEN_ADAPTER_OK);
+    EXPECT_EQ(create(5, 17), TEV_TBL_RET_OK);
+    halden_adapter_close(adapter);
+
+    const auto reading = with(HALDEN_ACCESS_READ);
+    ASSERT_EQ(halden_adapter_open(directory.c_str(), &reading, &adapter), HALDEN_ADAPTER_OK)
+        << halden_adapter_error();
+    EXPECT_EQ(lport_at(5), 17u);
+    EXPECT_NE(create(6, 18), TEV_TBL_RET_OK);
+    halden_adapter_close(adapter);
+    const auto rehearsing = with(HALDEN_ACCESS_REHEARSE);
+    ASSERT_EQ(halden_adapter_open(directory.c_str(), &rehearsing, &adapter), HALDEN_ADAPTER_OK)
+        << halden_adapter_error();
+    EXPECT_EQ(create(6, 18), TEV_TBL_RET_OK);
+    EXPECT_EQ(lport_at(6), 18u);
+    halden_adapter_close(adapter);
+    const auto writing = with(HALDEN_ACCESS_WRITE);
+    ASSERT_EQ(halden_adapter_open(directory.c_str(), &writing, &adapter), HALDEN_ADAPTER_OK);
+    EXPECT_EQ(lport_at(6), 0xffffu);
+    EXPECT_EQ(create(6, 18), TEV_TBL_RET_OK);
+    halden_adapter_close(adapter);
 }
 
 TEST(AdapterInC, OneIsOpenAtATime) {
