@@ -14,6 +14,8 @@
 #include "tools/haldenctl/adapter_view.h"
 #include "tools/haldenctl/entry_file.h"
 #include "tools/haldenctl/raw_entry.h"
+#include "tools/packets/capture.h"
+#include "tools/packets/traffic.h"
 
 using namespace halden;
 using pipeline::table;
@@ -125,7 +127,8 @@ void save_entry(const std::filesystem::path &root, const table &t, size_t action
     stored.put(bits).put_bytes(data_in_memory).save(root / "fuzz_read", name);
 
     const tool::json file = {{"entries", tool::json::array({tool::to_json(entry, row)})}};
-    seed().put_text(file.dump(1)).save(root / "fuzz_entry_json", name);
+    for (const char *fuzzer : {"fuzz_entry_json", "fuzz_apply"})
+        seed().put_text(file.dump(1)).save(root / fuzzer, name);
 
     const bytes &raw = ternary ? found.key : found.data;
     std::string digits = tool::hex_of(raw.data(), raw.size());
@@ -176,6 +179,133 @@ void save_edges(const std::filesystem::path &root) {
         .save(root / "fuzz_decode_entry", "longest");
 }
 
+// What meets in tables: a key twice, keys under several masks, an entry that changes, flows in one
+// small table, rows that are not there.
+void save_files_of_several(const std::filesystem::path &root) {
+    const char *const files[] = {
+        R"([{"table": "vlan_mapping", "key": {"vlan_id": 5}, "data": {"l2seg": 1}},
+            {"table": "vlan_mapping", "key": {"vlan_id": 5}, "data": {"l2seg": 2}}])",
+        R"([{"table": "tunnel_terminate_v4", "key": {"ipv4_1_dstAddr": "10.0.0.0/8"}},
+            {"table": "tunnel_terminate_v4", "key": {"ipv4_1_dstAddr": "10.0.0.0/16"}},
+            {"table": "tunnel_terminate_v4", "key": {"ipv4_1_dstAddr": "10.0.0.0/24"}},
+            {"table": "tunnel_terminate_v4", "key": {}}])",
+        R"([{"table": "flow_key_native", "key": {"ipv4_1_valid": 1}, "action": 0},
+            {"table": "flow_key_native", "key": {"ipv4_1_valid": 0}, "action": 1},
+            {"table": "flow_key_native", "action": 2}])",
+        R"([{"table": "flow", "key": {"key_metadata_proto": 6}, "data": {"flow_idx": 1}},
+            {"table": "flow", "key": {"key_metadata_proto": 17}, "data": {"flow_idx": 2}},
+            {"table": "flow", "key": {"key_metadata_proto": 6}, "data": {"flow_idx": 3}}])",
+        R"([{"table": "lif_mapping", "index": 1024}, {"table": "lif_mapping", "index": 1023},
+            {"table": "flow_info", "index": 2097151}])",
+    };
+    for (int n = 0; const char *text : files)
+        seed().put_text(text).save(root / "fuzz_apply", "several_" + std::to_string(n++));
+}
+
+void save_values(const std::filesystem::path &root) {
+    const char *const texts[] = {"0",
+                                 "true",
+                                 "2047",
+                                 "0x7ff",
+                                 "0b101",
+                                 "1_000",
+                                 "340282366920938463463374607431768211456",
+                                 "0xffffffffffffffffffffffffffffffff",
+                                 "-1",
+                                 "1e3",
+                                 "",
+                                 "0x",
+                                 "*",
+                                 "&&&",
+                                 "0x10&&&0xf0",
+                                 "02:00:5e:10:00:01",
+                                 "02-00-5E-10-00-01",
+                                 "192.0.2.1",
+                                 "10.0.0.0/8",
+                                 "10.0.0.0/33",
+                                 "2001:db8::1",
+                                 "2001:db8::/32",
+                                 "::ffff:192.0.2.1",
+                                 "1::2::3",
+                                 "10.0.0.0&&&255.0.0.0",
+                                 "\xff\x1b[31m"};
+    for (const unsigned bits : {11u, 48u, 128u}) {
+        const std::string name = std::to_string(bits) + "_bits_";
+        for (uint8_t n = 0; const char *text : texts) {
+            seed()
+                .put(static_cast<uint8_t>(bits - 1))
+                .put(static_cast<uint8_t>(n % 3))
+                .put_text(text)
+                .save(root / "fuzz_value", name + std::to_string(n));
+            ++n;
+        }
+    }
+}
+
+// The flow that the fuzzer takes from the front, then the options: proto, src, dst, sport, dport,
+// vlan, vni.
+void save_filters(const std::filesystem::path &root) {
+    const char *const texts[] = {
+        "",
+        "tcp",
+        "6",
+        "tcp\n10.1.0.5\n192.0.2.7\n51820\n443\n7\n5001",
+        "0x6\n10.1.0.0/16\n0.0.0.0/0\n0xca6c\n\n",
+        "\n10.1.0.5/32\n192.0.2.6/31",
+        "\n10.0.0.0/33",
+        "\n::/0",
+        "\n10.1.0.5\n2001:db8::1",
+        "\n1::2::3",
+        "\n\n\n65536",
+        "\n\n\n\n\n4096",
+        "\n\n\n\n\n\n1_6777215",
+        "icmp6\n2001:db8::/32\n2001:db8::7",
+        "\xff\n\x1b[31m",
+    };
+    for (int n = 0; const char *text : texts) {
+        const bool v6 = std::string_view(text).find("2001") != std::string_view::npos;
+        const bytes from =
+            v6 ? bytes{0x20, 1, 0xd, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 5} : bytes{10, 1, 0, 5};
+        const bytes to = v6 ? bytes{0x20, 1, 0xd, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 7}
+                            : bytes{192, 0, 2, 7};
+        seed()
+            .put<uint8_t>(v6)
+            .put_bytes(from)
+            .put_bytes(to)
+            .put<uint8_t>(v6 ? 58 : 6)
+            .put<uint16_t>(51820)
+            .put<uint16_t>(443)
+            .put<uint16_t>(7)
+            .put<uint32_t>(5001)
+            .put_text(text)
+            .save(root / "fuzz_flow_filter", "typed_" + std::to_string(n++));
+    }
+}
+
+// Made-up traffic, whole and cut short; and captures whose headers claim what is not there.
+void save_captures(const std::filesystem::path &root) {
+    const std::filesystem::path directory = root / "fuzz_capture";
+    std::filesystem::create_directories(directory);
+    constexpr size_t file_header = 24, packet_header = 16, length_at = file_header + 8;
+    for (uint32_t n = 1; n <= 4; ++n) {
+        const std::filesystem::path file = directory / ("traffic_" + std::to_string(n));
+        packets::capture_writer out(file.string());
+        packets::make_traffic(out, n, n);
+        out.close();
+        std::ifstream in(file, std::ios::binary);
+        const bytes whole{std::istreambuf_iterator<char>(in), {}};
+        bytes cut = whole;
+        cut.resize(file_header + packet_header + 20 * n);
+        seed().put_bytes(cut).save(directory, "cut_" + std::to_string(n));
+        bytes claimed = whole;
+        claimed[length_at + n % 4] = 0xff;
+        seed().put_bytes(claimed).save(directory, "length_" + std::to_string(n));
+        bytes raw = whole;
+        raw[file_header - 4] = 101;  // raw IP
+        seed().put_bytes(raw).save(directory, "raw_ip_" + std::to_string(n));
+    }
+}
+
 void save_texts(const std::filesystem::path &root) {
     const char *const files[] = {
         R"([{"table": 16, "index": 5, "data": {"src_lport": "0x11", "uplink": true}}])",
@@ -194,6 +324,7 @@ void save_texts(const std::filesystem::path &root) {
     };
     for (int n = 0; const char *text : files)
         seed().put_text(text).save(root / "fuzz_entry_json", "typed_" + std::to_string(n++));
+    save_files_of_several(root);
 
     seed()
         .put_text("[" + std::string(70, '[') + std::string(70, ']') + "]")
@@ -248,6 +379,9 @@ int main(int argc, char **argv) try {
     save_needless_bits(root, pipeline::tunnel_decap);
     save_edges(root);
     save_texts(root);
+    save_values(root);
+    save_filters(root);
+    save_captures(root);
     return 0;
 } catch (const std::exception &error) {
     std::cerr << "make_seeds: " << error.what() << '\n';
