@@ -80,7 +80,6 @@ uint32_t row_store::next_used(uint32_t from) const {
     // The page that `from` stands in is looked at without asking whether it was touched: a walk
     // over a full table would ask for every row, and each answer takes a walk over the table.
     constexpr uint32_t page_rows = 4096 / state_bytes;
-    if (from >= rows_) return rows_;
     const uint32_t page_end = std::min(rows_, (from / page_rows + 1) * page_rows);
     for (; from < page_end; ++from)
         if (stored_length(load(state(from), std::memory_order_acquire)) != 0) return from;

@@ -7,7 +7,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -353,6 +355,72 @@ TEST(FlowSetUp, TablesOnTwoAdaptersStandSideBySide) {
 }
 
 // Memory from the engine is zero, whichever pages it comes from.
+// Its parameters go to the engine as they are; flow_hash itself gives always the same.
+class table_as_asked : public flow_hash {
+  public:
+    sdk_ret_t init(sdk::table::sdk_table_factory_params_t *params) {
+        return ftl_base::init_(params);
+    }
+};
+class short_entry : public flow_hash_entry_t {
+  public:
+    uint32_t entry_size() override { return 64; }
+};
+class table_of_short_entries : public table_as_asked {
+  public:
+    base_table_entry_t *get_entry(uint16_t, int) override { return &entry_; }
+
+  private:
+    short_entry entry_;
+};
+
+TEST(FlowSetUp, ParametersThatNoTableCanHaveAreRefused) {
+    auto adapter = host::adapter::anonymous({64, 32});
+    host::scoped_current use(*adapter);
+    const auto asked = [](uint32_t table, uint32_t hints, uint32_t chain) {
+        table_as_asked made;
+        sdk::table::sdk_table_factory_params_t params = {};
+        params.table_id = table;
+        params.num_hints = hints;
+        params.max_chain = chain;
+        return made.init(&params);
+    };
+    EXPECT_EQ(asked(flow, 0, 8), SDK_RET_INVALID_ARG);
+    EXPECT_EQ(asked(flow, 9, 8), SDK_RET_INVALID_ARG) << "slot 9 is where a chain goes on";
+    EXPECT_EQ(asked(flow, 8, 0), SDK_RET_INVALID_ARG);
+    EXPECT_EQ(asked(flow_ohash, 8, 8), SDK_RET_INVALID_ARG);
+    table_as_asked made;
+    EXPECT_EQ(made.init(nullptr), SDK_RET_INVALID_ARG);
+    sdk::table::sdk_table_factory_params_t params = {};
+    params.table_id = flow;
+    params.num_hints = params.max_chain = 8;
+    table_of_short_entries cut;
+    EXPECT_EQ(cut.init(&params), SDK_RET_INVALID_ARG) << "a row has 128 bytes";
+}
+
+TEST(FlowSetUp, ATableIsSetUpOnce) {
+    flow_bed bed({64, 32});
+    ASSERT_EQ(bed.insert(1, 5), SDK_RET_OK);
+    sdk::table::sdk_table_factory_params_t params = {};
+    EXPECT_EQ(bed.table().init_(&params), SDK_RET_INVALID_ARG);
+    bed.expect_exactly_the_flows({2});
+}
+
+TEST(FlowSetUp, NothingIsDestroyedAndFreed) {
+    flow_hash::destroy(nullptr);
+    // As the factory leaves it when the engine cannot be made.
+    flow_hash::destroy(::new (std::calloc(1, sizeof(flow_hash))) flow_hash);
+    flow_hash table;
+    table.ftl_free(flow, nullptr, false, 1);
+    table.ftl_free(flow, nullptr, true, 1);
+    ftl_access::set_write_hook(table, {});
+    ftl_access::leave_out_overflow_rows(table, 1);
+    base_table_entry_t *none = nullptr;
+    sdk_ret_t result = SDK_RET_OK;
+    EXPECT_EQ(ftl_access::insert_batch(table, {&none, 1}, {&result, 1}), 0u);
+    EXPECT_EQ(result, SDK_RET_INVALID_ARG);
+}
+
 TEST(FlowSetUp, MemoryIsZero) {
     flow_bed bed({64, 32});
     for (const bool huge : {false, true}) {
