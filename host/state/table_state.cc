@@ -27,7 +27,9 @@ table_state::table_state(adapter &hardware)
 // The other engines have taken up what they found; chains of flows may be half linked.
 void table_state::finish_work(const adapter &hardware) {
     const sdk_ret_t result = sdk::table::ftl_access::finish_work(*tables().flow_tbl());
+    // Flows that cannot be mapped are not at hand, and the other tables are: the adapter says so.
     if (result == SDK_RET_OK) return;
+    if (result == SDK_RET_OOM && !hardware.troubles().empty()) return;
     throw std::runtime_error(hardware.directory() +
                              "/engines-at-work: the flows that a process left here, which did not "
                              "end in good order, could not be put right (result " +

@@ -37,6 +37,11 @@ bool key_is(const answer &row, const uint8_t *key_image, uint32_t key_bits) {
 // The lowest row of a TCAM whose ones the key has (x) and whose zeros it has not (y).
 void search_tcam(adapter &hardware, const table_memory &table, const uint8_t *key_image,
                  answer &out) {
+    // Memory that cannot be mapped has no rows to look at, and is not empty.
+    if (hardware.check_row(table.id, 0) == SDK_RET_OOM) {
+        out.unread = SDK_RET_OOM;
+        return;
+    }
     uint8_t key[read_bytes] = {};
     bits::copy_image(key, 0, key_image, 0, table.key_bits);
     p4pd_utils_swizzle_bytes(key, static_cast<uint16_t>(table.key_bits));

