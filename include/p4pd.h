@@ -57,8 +57,8 @@ void p4pd_hwentry_query(uint32_t tableid, uint32_t *hwkey_len, uint32_t *hwkeyma
 
 // Builds the images the writers take, into buffers that the caller zeroed. For TCAM tables the key
 // image is key & mask and the mask image is mask & ~key. Hash tables leave the mask alone (it may
-// be null). Ids 16 to 32 have nothing to build and answer 0; ids 33 to 48 and unknown ids answer
-// -1.
+// be null). Ids 16 to 32 have nothing to build and answer P4PD_SUCCESS; ids 33 to 48 and unknown
+// ids answer P4PD_FAIL.
 p4pd_error_t p4pd_hwkey_hwmask_build(uint32_t tableid, void *swkey, void *swkey_mask,
                                      uint8_t *hwkey, uint8_t *hwkey_mask);
 
@@ -69,11 +69,17 @@ uint64_t p4pd_index_to_hwindex_map(uint32_t tableid, void *swkey);
 // --- Entry write ---------------------------------------------------------------------------------
 
 // Writes one entry at `index`. `hwkey` and `hwkey_mask` are images; index and keyless tables take
-// null. `actiondata_mask`, an action-data record whose set bits select what is changed, is for
-// index and keyless tables: the others refuse it with -1 before anything is written. TCAM writes
-// leave the caller's key and mask buffers swizzled, so both hold the queried length. `flag` reaches
-// the ASIC layer unchanged. An action without a program in a table of several actions aborts the
-// process.
+// null. TCAM writes leave the caller's key and mask buffers swizzled, so both hold the queried
+// length. `flag` reaches the ASIC layer unchanged. An action without a program in a table of
+// several actions aborts the process.
+//
+// `actiondata_mask`, an action-data record whose set bits select what is changed, is for index and
+// keyless tables: the others refuse it with P4PD_FAIL before anything is written. It cannot change
+// a row's action: `actiondata` carries the action that the row has. In tables 37 (output_mapping)
+// and 38 (p4plus_app), whose rows begin with the action's program counter, the mask's own program
+// counter selects bits of the entry's: with another action than the row's, the row ends with a
+// mixture of the two, which may be the program of neither. HBM takes no mask: there the whole row
+// is written.
 p4pd_error_t p4pd_entry_write_with_datamask(uint32_t tableid, uint32_t index, uint8_t *hwkey,
                                             uint8_t *hwkey_mask, void *actiondata,
                                             void *actiondata_mask, bool flag);
@@ -94,8 +100,8 @@ p4pd_error_t p4pd_entry_install(uint32_t tableid, uint32_t index, void *swkey, v
 // --- Entry read ----------------------------------------------------------------------------------
 
 // Reads one entry back into the caller's records. TCAM keys come back as key & mask. An empty SRAM
-// or HBM row answers 0 and leaves the records alone; an empty TCAM row answers -1. `extra` and
-// `flag` reach the ASIC layer unchanged.
+// or HBM row answers P4PD_SUCCESS and leaves the records alone; an empty TCAM row answers
+// P4PD_FAIL. `extra` and `flag` reach the ASIC layer unchanged.
 p4pd_error_t p4pd_entry_read(uint32_t tableid, uint32_t index, void *swkey, void *swkey_mask,
                              void *actiondata, void *extra, bool flag);
 
@@ -109,7 +115,7 @@ p4pd_error_t p4pd_entry_read(uint32_t tableid, uint32_t index, void *swkey, void
 
 // 4. Any other table or action is a programming error and aborts.
 uint32_t p4pd_actiondata_appdata_size_get(uint32_t tableid, uint8_t actionid);
-// The application word (flow_idx), 32 bits in host order. -1 for any other table or action.
+// The application word (flow_idx), 32 bits in host order. P4PD_FAIL for any other table or action.
 p4pd_error_t p4pd_actiondata_appdata_set(uint32_t tableid, uint8_t actionid, void *src,
                                          void *actiondata);
 p4pd_error_t p4pd_actiondata_appdata_get(uint32_t tableid, uint8_t actionid, void *dest,
@@ -125,10 +131,23 @@ p4pd_error_t p4pd_actiondata_hwfield_get(uint32_t tableid, uint8_t actionid, uin
 
 // --- Decoding ------------------------------------------------------------------------------------
 
-// Text of one raw hardware entry of `hwentry_len` bits (at most 8192: a longer one aborts). For
-// TCAM tables `hwentry` and `hwentry_y` together are the key's two images; with a null `hwentry_y`
-// the entry is action data. The text is cut at `buf_size`, always terminated; 0 even when cut, -1
-// for an unknown table.
+// Text of one raw hardware entry of `hwentry_len` bits (at most 8192: a longer one aborts). With a
+// `hwentry_y`, which is for ternary tables, the two are the key's images (x and y) and the text is
+// the key; with null the entry is a data row. The text is cut at `buf_size`, always terminated;
+// P4PD_SUCCESS even when cut, P4PD_FAIL for an unknown table.
+//
+// What the ASIC layer's reads give is taken as it is by some kinds of table alone:
+//
+//     table (id)                            bytes                        hwentry_len
+//     flow (1, 2), and HBM rows of          as read                      as read
+//       index tables (21, 26, ...)
+//     hash (3 to 6), and SRAM rows of       p4pd_utils_swizzle_bytes     as read
+//       index and keyless tables              over the length read
+//     ternary (7 to 15), key and data       as read                      as read, rounded up to 16
+//
+// The rounding: rows are swizzled over whole 16 bits, so where the length read fills an odd number
+// of bytes - data rows of tables 12, 13 and 15, with 20, 8 and 8 bits - the row's first byte, its
+// action, is the last byte of the rounded length. Without the rounding it is not looked at.
 p4pd_error_t p4pd_table_entry_decoded_string_get(uint32_t tableid, uint32_t index, uint8_t *hwentry,
                                                  uint8_t *hwentry_y, uint16_t hwentry_len,
                                                  char *buffer, uint16_t buf_size);
@@ -158,7 +177,7 @@ void *allocate_debug_response_msg();
 void free_debug_response_msg(void *msg);
 
 // Copies slot `slot` (not checked) into the records of table `tableid`; index and keyless tables
-// touch only `action_data`. -1 for a null message or an unknown table.
+// touch only `action_data`. P4PD_FAIL for a null message or an unknown table.
 p4pd_error_t p4pd_entry_populate(uint32_t tableid, void *swkey, void *swkey_mask, void *action_data,
                                  void *msg, int slot);
 

@@ -78,7 +78,7 @@ typedef enum p4pd_table_id_ {
  * exact match with a wide key, one HBM row an entry.
  */
 
-/* Key: 77 bytes, 640 bits in the hardware. */
+/* Key: 77 bytes, 640 bits in the hardware, 600 of them in fields. */
 typedef struct HALDEN_PACKED flow_ohash_swkey_ {
     uint8_t metadata_flow_key_spare[16];      /* 128 bits: software's own; matched like the rest */
     uint8_t metadata_flow_key_proto;          /* 8 bits: IP protocol */
@@ -137,7 +137,7 @@ enum {
     FLOW_FLOW_HASH_ID = 0,
 };
 
-/* Key: 77 bytes, 640 bits in the hardware. */
+/* Key: 77 bytes, 640 bits in the hardware, 600 of them in fields. */
 typedef struct HALDEN_PACKED flow_swkey_ {
     uint8_t metadata_flow_key_spare[16];      /* 128 bits: software's own; matched like the rest */
     uint8_t metadata_flow_key_proto;          /* 8 bits: IP protocol */

@@ -40,9 +40,13 @@ std::string key_records(const table &t) {
                "    uint8_t unused;\n" + close_struct(name + "_swkey");
     }
     if (t.key.empty()) return out;
+    // A key may have gaps in its image, which no field fills.
+    const uint32_t fields = record_bits(t.key);
     out += "/* Key: " + std::to_string(t.key_bytes) + " bytes, " + std::to_string(t.key_bits) +
-           " bits in the hardware. */\n" + open_struct(name + "_swkey") +
-           members(t.key, "", "    ") + close_struct(name + "_swkey");
+           " bits in the hardware" +
+           (fields == t.key_bits ? "" : ", " + std::to_string(fields) + " of them in fields") +
+           ". */\n" + open_struct(name + "_swkey") + members(t.key, "", "    ") +
+           close_struct(name + "_swkey");
     if (has_mask(t.kind))
         out += "/* Key mask: a bit that is 0 matches anything. */\n" +
                open_struct(name + "_swkey_mask") + members(t.key, "_mask", "    ") +

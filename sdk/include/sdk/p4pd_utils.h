@@ -53,6 +53,11 @@ uint16_t p4pd_utils_p4table_entry_prepare(uint8_t *entry, uint8_t action_pc, uin
 // Lays out a hash entry, [action pc unless 0xff][data before key][key at key_start_bit][data after
 // key], and returns its length. A null `key` leaves key_bits of room zero. `*entry_offset` becomes
 // the byte offset of the entry in `entry`.
+//
+// `data_bits` is the table's whole data, whatever parts are given. An action that leaves parts out
+// passes them with length 0: the key stays at key_start_bit, and the length is still that of the
+// program counter, key_bits and data_bits, with zeros where the parts would be. Rows are swizzled
+// over their length, so another one would move the key.
 uint16_t p4pd_utils_hash_table_entry_prepare(uint8_t *entry, uint8_t action_pc,
                                              uint16_t key_start_bit, uint8_t *key,
                                              uint16_t key_bits, uint16_t data_bits,
