@@ -4,6 +4,7 @@
 #include "host/state/table_state.h"
 
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -42,8 +43,11 @@ static_assert(static_cast<int>(halden::host::access::write) == HALDEN_ACCESS_WRI
 static_assert(static_cast<int>(halden::host::access::read) == HALDEN_ACCESS_READ);
 static_assert(static_cast<int>(halden::host::access::rehearse) == HALDEN_ACCESS_REHEARSE);
 
-bool is_access(halden_adapter_access_t value) {
-    const auto number = static_cast<unsigned>(value);
+// Looked at as a number: to read one that is no access as the enumeration is undefined.
+bool has_access(const halden_adapter_options_t &options) {
+    unsigned number;
+    static_assert(sizeof number == sizeof options.access);
+    std::memcpy(&number, &options.access, sizeof number);
     return number <= HALDEN_ACCESS_REHEARSE;
 }
 
@@ -65,7 +69,7 @@ halden_adapter_result_t halden_adapter_open(const char *directory,
     *out = nullptr;
     const halden_adapter_options_t wanted =
         options == nullptr ? halden_adapter_options_t{} : *options;
-    if (!is_access(wanted.access))
+    if (!has_access(wanted))
         return fail(HALDEN_ADAPTER_INVALID_ARG, "halden_adapter_open: access is 0 to 3");
     try {
         const std::scoped_lock one_at_a_time(opening);

@@ -15,9 +15,13 @@ int failing_step = -1;  // this one fails
 
 }  // namespace
 
-// In front of the C library's own, also for the library under test.
-extern "C" __attribute__((visibility("default"), format(printf, 3, 4))) int snprintf(
-    char *buffer, size_t size, const char *format, ...) noexcept {
+// In front of the C library's own, also for the library under test; a library that is built with
+// checked calls takes the second.
+extern "C" {
+
+__attribute__((visibility("default"), format(printf, 3, 4))) int snprintf(char *buffer, size_t size,
+                                                                          const char *format,
+                                                                          ...) noexcept {
     if (++steps == failing_step) return -5;
     va_list arguments;
     va_start(arguments, format);
@@ -25,6 +29,18 @@ extern "C" __attribute__((visibility("default"), format(printf, 3, 4))) int snpr
     va_end(arguments);
     return result;
 }
+
+__attribute__((visibility("default"), format(printf, 5, 6))) int __snprintf_chk(
+    char *buffer, size_t size, int, size_t, const char *format, ...) noexcept {
+    if (++steps == failing_step) return -5;
+    va_list arguments;
+    va_start(arguments, format);
+    const int result = std::vsnprintf(buffer, size, format, arguments);
+    va_end(arguments);
+    return result;
+}
+
+}  // extern "C"
 
 namespace {
 

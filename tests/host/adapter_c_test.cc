@@ -89,7 +89,9 @@ TEST(AdapterInC, AnAdapterThatIsNotThereIsMadeForCreateAlone) {
             << halden_adapter_error();
         EXPECT_FALSE(std::filesystem::exists(directory));
     }
-    const auto wrong = with(static_cast<halden_adapter_access_t>(4));
+    auto wrong = small;
+    const unsigned four = 4;
+    std::memcpy(&wrong.access, &four, sizeof four);
     halden_adapter_t *adapter = nullptr;
     EXPECT_EQ(halden_adapter_open(directory.c_str(), &wrong, &adapter), HALDEN_ADAPTER_INVALID_ARG);
     EXPECT_STREQ(halden_adapter_error(), "halden_adapter_open: access is 0 to 3");
