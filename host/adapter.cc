@@ -8,7 +8,10 @@
 #include "host/trace/trace.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <stdexcept>
 
 namespace halden::host {
@@ -63,9 +66,7 @@ adapter::adapter(const std::string &directory, const adapter_options &options)
     check_depth("flow_rows", options.flow_rows, table_memory_of(flow_table)->rows);
     check_depth("flow_ohash_rows", options.flow_ohash_rows,
                 table_memory_of(flow_ohash_table)->rows);
-    if (!directory.empty())
-        files_ = std::make_unique<host::directory>(directory, options.access, options.flow_rows,
-                                                   options.flow_ohash_rows);
+    if (!directory.empty()) files_ = std::make_unique<host::directory>(directory, options);
 }
 
 adapter::~adapter() {
@@ -91,7 +92,14 @@ bool adapter::keeps_rows() const {
 }
 
 backing adapter::backing_of(memory where, uint32_t tableid) {
-    if (files_ != nullptr) return files_->memory_of(where, tableid);
+    if (files_ != nullptr) {
+        backing out = files_->memory_of(where, tableid);
+        if (flushes())
+            out.on_flush = [this, where, tableid](size_t offset, size_t bytes) {
+                return !flush_hook_ || flush_hook_(where, tableid, offset, bytes);
+            };
+        return out;
+    }
     const bool flow = table_memory_of(tableid)->is_flow();
     return {.on = {}, .how = mapping::shared, .pages = flow ? options_.flow_paging : paging::small};
 }
@@ -149,7 +157,14 @@ backing adapter::work_backing(bool &is_new) const {
     const bool kept = keeps_rows();
     file found = files_->open(work_file, kept ? O_RDWR : O_RDONLY);
     is_new = !found.is_open();
-    if (is_new && kept) found = files_->open(work_file, O_RDWR | O_CREAT);
+    if (is_new && kept) found = files_->open_or_make(work_file);
+    if (flushes()) {
+        // Each name would have to be on the disk before what it names, and off it before the row is
+        // used again. An empty file says that anything may have been under way.
+        if (ftruncate(found.descriptor(), 0) != 0 || fsync(found.descriptor()) != 0)
+            found.fail(std::strerror(errno));
+        return {};
+    }
     return {.on = std::move(found),
             .how = kept            ? mapping::shared
                    : is_writable() ? mapping::private_copy
@@ -183,6 +198,11 @@ uint8_t *adapter::hbm_rows(uint32_t tableid) {
     if (table == nullptr || !table->is_flow()) return nullptr;
     flow_rows *rows = flow_rows_of(tableid);
     return rows != nullptr ? rows->base() : nullptr;
+}
+
+sdk_ret_t adapter::flush_flow_row(uint32_t tableid, uint32_t row) {
+    flow_rows *rows = flow_rows_of(tableid);
+    return rows == nullptr ? SDK_RET_OOM : kept(__func__, memory::hbm, tableid, rows->flush(row));
 }
 
 void adapter::set_observer(observer call) {

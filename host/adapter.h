@@ -65,6 +65,10 @@ struct row_change {
 };
 using observer = std::function<void(const row_change &)>;
 
+// Told before each flush of durability::power which bytes of which memory's file are to reach the
+// disk now; answers whether they do. For tests: a flush that is refused has failed.
+using flush_hook = std::function<bool(memory where, uint32_t table, size_t offset, size_t bytes)>;
+
 // How an adapter's directory is opened. Either one process has it for writing, or any number have
 // it for the other two.
 enum class access : uint8_t {
@@ -79,6 +83,19 @@ class no_adapter : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// What an acknowledged call, one that has returned SDK_RET_OK, outlives.
+enum class durability : uint8_t {
+    // The process, killed at whatever instant. Nothing is promised for a power cut or a crash of
+    // the system: rows may be missing, and a row whose state word was written back before its image
+    // reads as zeros, "all fields 0".
+    process,
+    // Power cuts too, on a disk that keeps what it said it had written. What has to be there first
+    // is flushed first, and a call returns after the last flush: two or more waits for the disk
+    // each. So are files and directories when they are made. A flush that fails fails the call, and
+    // with it every later one on the flow tables.
+    power,
+};
+
 struct adapter_options {
     // Powers of two, at most the pipeline's own: 22 bits of index, 21 bits of hint.
     uint32_t flow_rows = 4194304;
@@ -86,6 +103,10 @@ struct adapter_options {
     // Of the flow memories of an anonymous adapter. Huge pages are for tables that will be full.
     paging flow_paging = paging::small;
     host::access access = host::access::create;
+    host::durability durability = host::durability::process;
+    // The directory and its files are their owner's alone, unless this, or the mode of a directory
+    // that is there already, lets its group read.
+    bool group_reads = false;
 };
 
 class adapter {
@@ -154,6 +175,11 @@ class adapter {
     // put them right: a line for each, with the file's name or "anonymous memory".
     std::vector<std::string> troubles() const;
 
+    // Such an engine's flushes, where durability asks for them: returns when the row has reached
+    // the disk.
+    bool flushes() const { return keeps_rows() && options_.durability == durability::power; }
+    sdk_ret_t flush_flow_row(uint32_t tableid, uint32_t row);
+
     // The first row of a table at or behind `from` that is not empty, by its TCAM where it has one;
     // depth when there is none. Steps over memory that was never touched.
     uint32_t next_used(uint32_t tableid, uint32_t from);
@@ -161,6 +187,8 @@ class adapter {
     fault_set &faults() { return faults_; }
     // Called after every write of a row, from the thread that wrote; an empty function ends it.
     void set_observer(observer call);
+    // To be set before the first use of the memories.
+    void set_flush_hook(flush_hook hook) { flush_hook_ = std::move(hook); }
 
   private:
     struct row_place;
@@ -180,8 +208,10 @@ class adapter {
     template <class See>
     sdk_ret_t for_each_memory(uint32_t tableid, uint32_t index, See see);
     sdk_ret_t read_row(const char *call, const row_place &place, row_image &image, uint16_t &bits);
-    void put(const row_place &place, const row_image &image, uint16_t bits);
-    void put_flow(uint32_t tableid, flow_rows &rows, uint32_t row, const flow_image &image);
+    sdk_ret_t kept(const char *call, memory where, uint32_t tableid, bool flushed) const;
+    sdk_ret_t put(const char *call, const row_place &place, const row_image &image, uint16_t bits);
+    sdk_ret_t put_flow(const char *call, uint32_t tableid, flow_rows &rows, uint32_t row,
+                       const flow_image &image);
     void tell(const row_change &change);
 
     std::string directory_;
@@ -196,6 +226,7 @@ class adapter {
     std::atomic<bool> observed_ = false;
     std::mutex observing_;
     std::shared_ptr<const observer> observer_;
+    flush_hook flush_hook_;
 };
 
 // The adapter that answers the library's imports. An anonymous one is made at the first use when

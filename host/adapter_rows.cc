@@ -8,6 +8,7 @@
 #include "host/trace/trace.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 namespace halden::host {
@@ -114,7 +115,17 @@ sdk_ret_t adapter::refuse_write(const char *call, uint32_t tableid) const {
     return SDK_RET_HW_PROGRAM_ERR;
 }
 
-void adapter::put(const row_place &place, const row_image &image, uint16_t bits) {
+// The row is written as far as this process goes; whether the disk has it is what is told here.
+sdk_ret_t adapter::kept(const char *call, memory where, uint32_t tableid, bool flushed) const {
+    if (flushed) return SDK_RET_OK;
+    const int error = errno;
+    trace::error("%s: %s: could not be flushed to the disk: %s", call,
+                 memory_name(where, tableid).c_str(), std::strerror(error));
+    return SDK_RET_HW_PROGRAM_ERR;
+}
+
+sdk_ret_t adapter::put(const char *call, const row_place &place, const row_image &image,
+                       uint16_t bits) {
     row_store &rows = *place.rows;
     if (const row_length before = rows.length_of(place.row); before.is_damaged()) [[unlikely]] {
         trace::error("%s: row %u had a length of %u bits, which is damage, and is written anew",
@@ -122,24 +133,25 @@ void adapter::put(const row_place &place, const row_image &image, uint16_t bits)
         troubles_->forget(place.where, place.table, place.row);
     }
     if (!observed_.load(std::memory_order_acquire)) {
-        rows.write(place.row, image, bits);
-        return;
+        return kept(call, place.where, place.table, rows.write(place.row, image, bits));
     }
     row_image old;
     const uint16_t old_bits = rows.read(place.row, old).bits;
-    rows.write(place.row, image, bits);
+    const bool flushed = rows.write(place.row, image, bits);
     tell({place.where, place.table, place.row, old_bits, old, bits, image});
+    return kept(call, place.where, place.table, flushed);
 }
 
-void adapter::put_flow(uint32_t tableid, flow_rows &rows, uint32_t row, const flow_image &image) {
+sdk_ret_t adapter::put_flow(const char *call, uint32_t tableid, flow_rows &rows, uint32_t row,
+                            const flow_image &image) {
     if (!observed_.load(std::memory_order_acquire)) {
-        rows.write(row, image);
-        return;
+        return kept(call, memory::hbm, tableid, rows.write(row, image));
     }
     flow_image old, now;
     const uint16_t old_bits = rows.read(row, old);
-    rows.write(row, image);
+    const bool flushed = rows.write(row, image);
     tell({memory::hbm, tableid, row, old_bits, old, rows.read(row, now), image});
+    return kept(call, memory::hbm, tableid, flushed);
 }
 
 // --- SRAM ----------------------------------------------------------------------------------------
@@ -184,8 +196,7 @@ sdk_ret_t adapter::sram_write(uint32_t tableid, uint32_t index, const uint8_t *i
         for (uint32_t i = 0; i < bytes; ++i)
             next[i] = static_cast<uint8_t>((old[i] & ~mask[i]) | (next[i] & mask[i]));
     }
-    put(place, next, bits);
-    return SDK_RET_OK;
+    return put(__func__, place, next, bits);
 }
 
 sdk_ret_t adapter::sram_read(uint32_t tableid, uint32_t index, uint8_t *image, uint16_t *bits) {
@@ -218,8 +229,7 @@ sdk_ret_t adapter::tcam_write(uint32_t tableid, uint32_t index, const uint8_t *k
     row_image next = {};
     std::memcpy(next.data(), key, width / 8);
     std::memcpy(next.data() + tcam_image_bytes, key_mask, width / 8);
-    put({memory::tcam, rows, tableid, index}, next, width);
-    return SDK_RET_OK;
+    return put(__func__, {memory::tcam, rows, tableid, index}, next, width);
 }
 
 sdk_ret_t adapter::tcam_read(uint32_t tableid, uint32_t index, uint8_t *key, uint8_t *key_mask,
@@ -263,16 +273,14 @@ sdk_ret_t adapter::hbm_write(uint32_t tableid, uint32_t index, const uint8_t *im
             return injected;
         flow_image next = {};
         if (bytes != 0) std::memcpy(next.data(), image, bytes);
-        put_flow(tableid, *rows, index, next);
-        return SDK_RET_OK;
+        return put_flow(__func__, tableid, *rows, index, next);
     }
     row_store *rows = rows_of(memory::hbm, tableid);
     if (rows == nullptr) return SDK_RET_OOM;
     if (sdk_ret_t injected = faults_.meet(asic_call::hbm_write, tableid, index)) return injected;
     row_image next = {};
     if (bytes != 0) std::memcpy(next.data(), image, bytes);
-    put({memory::hbm, rows, tableid, index}, next, bits);
-    return SDK_RET_OK;
+    return put(__func__, {memory::hbm, rows, tableid, index}, next, bits);
 }
 
 sdk_ret_t adapter::hbm_read(uint32_t tableid, uint32_t index, uint8_t *image, uint16_t *bits) {
@@ -316,7 +324,7 @@ sdk_ret_t adapter::clear_row(uint32_t tableid, uint32_t index) {
         if (rows == nullptr) return SDK_RET_OOM;
         if (sdk_ret_t injected = faults_.meet(asic_call::tcam_write, tableid, index))
             return injected;
-        put({memory::tcam, rows, tableid, index}, {}, 0);
+        if (sdk_ret_t bad = put(__func__, {memory::tcam, rows, tableid, index}, {}, 0)) return bad;
     }
     const uint32_t row = table->owner == 0 ? index : table->overflow_base + index;
     return sram_write(tableid, row, nullptr, 0, nullptr);

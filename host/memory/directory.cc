@@ -60,10 +60,11 @@ void check_version(const file &of, std::string_view found) {
 
 }  // namespace
 
-directory::directory(const std::string &path, access how, uint32_t flow_rows,
-                     uint32_t flow_ohash_rows)
-    : path_(path), how_(how) {
-    open_directory();
+directory::directory(const std::string &path, const adapter_options &options)
+    : path_(path),
+      how_(options.access),
+      flushes_(changes_files() && options.durability == durability::power) {
+    open_directory(options.group_reads);
     adapter_ = open_to_use(adapter_file);
     if (!adapter_.is_open()) {
         const bool empty = is_empty_but_for({});
@@ -74,23 +75,39 @@ directory::directory(const std::string &path, access how, uint32_t flow_rows,
         if (!empty)
             directory_.fail("the directory is neither empty nor an adapter's: it has no file '" +
                             std::string(adapter_file) + "'");
-        adapter_ = open(adapter_file, O_RDWR | O_CREAT);
+        adapter_ = open_or_make(adapter_file);
     }
     lock(adapter_);
     check_or_write(std::string(format_name) + std::to_string(format_version) + "\nflow_rows " +
-                   std::to_string(flow_rows) + "\nflow_ohash_rows " +
-                   std::to_string(flow_ohash_rows) + "\n");
+                   std::to_string(options.flow_rows) + "\nflow_ohash_rows " +
+                   std::to_string(options.flow_ohash_rows) + "\n");
+    if (flushes_) flush_names();
     take_memory_files();
 }
 
-void directory::open_directory() {
-    if (how_ == access::create && mkdir(path_.c_str(), 0700) != 0 && errno != EEXIST)
+void directory::open_directory(bool group_reads) {
+    const bool made = how_ == access::create && mkdir(path_.c_str(), 0700) == 0;
+    if (how_ == access::create && !made && errno != EEXIST)
         fail_at(path_, errno == ENOENT ? "the directory that it is to be made in does not exist"
                                        : std::strerror(errno));
     const int descriptor = ::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0 && errno == ENOENT) fail_absent(path_, "no such directory");
     if (descriptor < 0) fail_at(path_, std::strerror(errno));
     directory_ = file(descriptor, path_);
+    if (made && group_reads && fchmod(directory_.descriptor(), 0750) != 0)
+        directory_.fail(std::strerror(errno));
+    struct stat status = {};
+    if (fstat(directory_.descriptor(), &status) != 0) directory_.fail(std::strerror(errno));
+    if (group_reads || (status.st_mode & S_IRGRP) != 0)
+        file_mode_ |= S_IRGRP | (status.st_mode & S_IWGRP);
+}
+
+// The names, the directory's own among them.
+void directory::flush_names() const {
+    const file parent(openat(directory_.descriptor(), "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC),
+                      path_ + "/..");
+    for (const file *each : {&adapter_, &directory_, &parent})
+        if (!each->is_open() || fsync(each->descriptor()) != 0) each->fail(std::strerror(errno));
 }
 
 bool directory::is_empty_but_for(const std::string &name) const {
@@ -112,10 +129,10 @@ bool directory::is_empty_but_for(const std::string &name) const {
 
 file directory::open(const std::string &name, int flags) const {
     flags |= O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    int descriptor = openat(directory_.descriptor(), name.c_str(), flags, 0600);
+    int descriptor = openat(directory_.descriptor(), name.c_str(), flags);
     // Only the owner may leave the time of the last access as it is.
     if (descriptor < 0 && errno == EPERM && (flags & O_NOATIME) != 0)
-        descriptor = openat(directory_.descriptor(), name.c_str(), flags & ~O_NOATIME, 0600);
+        descriptor = openat(directory_.descriptor(), name.c_str(), flags & ~O_NOATIME);
     const std::string path = path_ + "/" + name;
     if (descriptor < 0 && errno == ENOENT) return {};
     if (descriptor < 0 && errno == ELOOP)
@@ -126,6 +143,21 @@ file directory::open(const std::string &name, int flags) const {
     if (fstat(out.descriptor(), &status) != 0) out.fail(std::strerror(errno));
     if (!S_ISREG(status.st_mode)) out.fail("is not a regular file");
     return out;
+}
+
+file directory::open_or_make(const std::string &name) const {
+    for (;;) {
+        if (file found = open(name, O_RDWR); found.is_open()) return found;
+        constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC;
+        const int descriptor = openat(directory_.descriptor(), name.c_str(), flags, 0600);
+        if (descriptor < 0 && errno == EEXIST) continue;  // somebody else made it meanwhile
+        if (descriptor < 0) fail_at(path_ + "/" + name, std::strerror(errno));
+        file made(descriptor, path_ + "/" + name);
+        // Whatever the mask of the process says, the directory decides.
+        if (fchmod(made.descriptor(), file_mode_) != 0) made.fail(std::strerror(errno));
+        if (flushes_ && fsync(directory_.descriptor()) != 0) made.fail(std::strerror(errno));
+        return made;
+    }
 }
 
 file directory::open_to_use(const std::string &name) const {
@@ -190,12 +222,13 @@ backing directory::memory_of(memory where, uint32_t tableid) {
     file found = std::move(found_[static_cast<unsigned>(where)][tableid]);
     if (!found.is_open()) {
         const std::string name = memory_file(where, tableid);
-        found = changes_files() ? open(name, O_RDWR | O_CREAT) : open_to_use(name);
+        found = changes_files() ? open_or_make(name) : open_to_use(name);
         if (found.is_open()) lock(found);
     }
     const mapping kinds[] = {mapping::shared, mapping::shared, mapping::read_only,
                              mapping::private_copy};
-    return {std::move(found), kinds[static_cast<unsigned>(how_)]};
+    return {
+        .on = std::move(found), .how = kinds[static_cast<unsigned>(how_)], .pages = paging::small};
 }
 
 }  // namespace halden::host

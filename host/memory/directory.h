@@ -22,12 +22,13 @@
 
 namespace halden::host {
 
-enum class access : uint8_t;  // host/adapter.h
+enum class access : uint8_t;
+struct adapter_options;
 
 class directory {
   public:
     // Throws std::runtime_error with the path and the reason.
-    directory(const std::string &path, access how, uint32_t flow_rows, uint32_t flow_ohash_rows);
+    directory(const std::string &path, const adapter_options &options);
 
     const std::string &path() const { return path_; }
 
@@ -36,15 +37,18 @@ class directory {
     // What the memory is mapped from. Throws as the constructor does.
     backing memory_of(memory where, uint32_t tableid);
 
-    // A file of this name; one that is not open when there is none and `flags` have no O_CREAT.
-    // Throws when it is anything but a regular file.
+    // A file of this name; one that is not open when there is none. Throws when it is anything but
+    // a regular file.
     file open(const std::string &name, int flags) const;
+    // The same, for reading and writing; an empty one is made when there is none.
+    file open_or_make(const std::string &name) const;
     bool has(const std::string &name) const;
     // A name that is not there is no error.
     void remove(const std::string &name) const;
 
   private:
-    void open_directory();
+    void open_directory(bool group_reads);
+    void flush_names() const;
     void take_memory_files();
     void check_or_write(const std::string &wanted);
     void check_alone(const std::string &reason) const;
@@ -55,6 +59,8 @@ class directory {
 
     std::string path_;
     access how_;
+    bool flushes_;
+    mode_t file_mode_ = 0600;
     file directory_;
     file adapter_;
     // Opened and locked, not mapped yet.

@@ -25,14 +25,17 @@ uint16_t flow_rows::read(uint32_t row, flow_image &image) const {
     return all_zero(image) ? 0 : flow_row_bits;
 }
 
-void flow_rows::write(uint32_t row, const flow_image &image) {
+bool flow_rows::write(uint32_t row, const flow_image &image) {
     static constexpr std::array<uint8_t, word_bytes> invalid = {};
     uint8_t *at = row_at(row);
     store_words(at + valid_word, invalid.data(), word_bytes);
+    if (!flush(row)) return false;
     store_words(at, image.data(), valid_word);
     store_words(at + valid_word + word_bytes, image.data() + valid_word + word_bytes,
                 flow_row_bytes - valid_word - word_bytes);
+    if (!flush(row)) return false;
     store_words(at + valid_word, image.data() + valid_word, word_bytes);
+    return flush(row);
 }
 
 uint32_t flow_rows::next_used(uint32_t from) const {

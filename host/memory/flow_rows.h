@@ -24,8 +24,10 @@ class flow_rows {
 
     // flow_row_bits, or 0 for an empty row.
     uint16_t read(uint32_t row, flow_image &image) const;
-    // Takes the row out of hardware's sight while its words change.
-    void write(uint32_t row, const flow_image &image);
+    // Takes the row out of hardware's sight while its words change. False when it could not be
+    // flushed: then it may be as it was, or not valid.
+    bool write(uint32_t row, const flow_image &image);
+    bool flush(uint32_t row) const { return memory_.flush(row_at(row), flow_row_bytes); }
 
     uint32_t next_used(uint32_t from) const;
 

@@ -46,7 +46,10 @@ uint8_t *map_huge(size_t bytes) {
 }  // namespace
 
 region::region(backing from, size_t bytes)
-    : file_(std::move(from.on)), how_(from.how), bytes_(bytes) {
+    : file_(std::move(from.on)),
+      how_(from.how),
+      on_flush_(std::move(from.on_flush)),
+      bytes_(bytes) {
     if (!file_.is_open() && how_ == mapping::shared) {
         if (from.pages == paging::huge) {
             base_ = map_huge(bytes);
@@ -70,6 +73,8 @@ void region::map() {
         if (found == 0 && how_ == mapping::shared &&
             ftruncate(file_.descriptor(), static_cast<off_t>(bytes_)) != 0)
             file_.fail(std::strerror(errno));
+        // What was stored here without a flush is built upon now.
+        if (on_flush_ && fsync(file_.descriptor()) != 0) file_.fail(std::strerror(errno));
     }
     const int protection = how_ == mapping::read_only ? PROT_READ : PROT_READ | PROT_WRITE;
     const int kind = how_ == mapping::private_copy || !file_.is_open() ? MAP_PRIVATE : MAP_SHARED;
@@ -82,6 +87,16 @@ void region::map() {
 }
 
 region::~region() { munmap(base_, bytes_); }
+
+bool region::flush(const void *first, size_t bytes) const {
+    if (!on_flush_) [[likely]]
+        return true;
+    const auto offset = static_cast<size_t>(static_cast<const uint8_t *>(first) - base_);
+    errno = EIO;
+    if (!on_flush_(offset, bytes)) return false;
+    const size_t page = offset / page_bytes * page_bytes;
+    return msync(base_ + page, offset + bytes - page, MS_SYNC) == 0;
+}
 
 // The kernel's own table says which pages were touched, of those that are the process's alone.
 bool region::next_used_page(size_t from, size_t &begin, size_t &end) const {

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 namespace halden::host {
 
@@ -23,6 +24,8 @@ struct backing {
     file on = {};  // open for what `how` needs; without one the memory begins with zeros
     mapping how = mapping::shared;
     paging pages = paging::small;  // of memory without a file
+    // Asks for flushes, and is told of each; what it refuses has failed.
+    std::function<bool(size_t offset, size_t bytes)> on_flush = {};
 };
 
 class region {
@@ -42,6 +45,10 @@ class region {
     // touched.
     bool next_used(size_t from, size_t &begin, size_t &end) const;
 
+    // Returns when these bytes have reached the disk, at once where nobody asked for it. False when
+    // they could not, with errno.
+    bool flush(const void *first, size_t bytes) const;
+
   private:
     void map();
     bool next_used_in_file(size_t from, size_t &begin, size_t &end) const;
@@ -49,6 +56,7 @@ class region {
 
     file file_;  // none with huge pages, and where an absent one is read
     mapping how_;
+    std::function<bool(size_t, size_t)> on_flush_;
     uint8_t *base_ = nullptr;
     size_t bytes_ = 0;
 };

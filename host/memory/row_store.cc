@@ -69,11 +69,14 @@ row_length row_store::read(uint32_t row, row_image &image) const {
     }
 }
 
-void row_store::write(uint32_t row, const row_image &image, uint16_t bits) {
+bool row_store::write(uint32_t row, const row_image &image, uint16_t bits) {
     uint32_t *place = state(row);
     const uint32_t next = written(load(place, std::memory_order_relaxed), bits);
-    store_words(image_of(row, next), image.data(), row_bytes);
+    uint8_t *to = image_of(row, next);
+    store_words(to, image.data(), row_bytes);
+    if (!memory_.flush(to, row_bytes)) return false;
     std::atomic_ref<uint32_t>(*place).store(next, std::memory_order_release);
+    return memory_.flush(place, state_bytes);
 }
 
 uint32_t row_store::next_used(uint32_t from) const {

@@ -47,7 +47,9 @@ class row_store {
     // `image` is zeroed when the row is empty or damaged.
     row_length read(uint32_t row, row_image &image) const;
     row_length length_of(uint32_t row) const;
-    void write(uint32_t row, const row_image &image, uint16_t bits);
+    // Where stores are flushed, the image before the word that names it. False when that failed:
+    // then the row may be as it was.
+    bool write(uint32_t row, const row_image &image, uint16_t bits);
 
     // The first row at or behind `from` that is not empty, damaged ones among them; rows() when
     // there is none.

@@ -16,10 +16,12 @@ using namespace pipeline;
 
 namespace {
 
-std::unique_ptr<host::adapter> opened(const std::string &directory, host::access how) {
+std::unique_ptr<host::adapter> opened(const options &given, host::access how) {
+    const auto wanted = given.sync ? host::durability::power : host::durability::process;
     try {
-        return directory.empty() ? host::adapter::anonymous()
-                                 : host::adapter::open(directory, {.access = how});
+        return given.adapter.empty()
+                   ? host::adapter::anonymous()
+                   : host::adapter::open(given.adapter, {.access = how, .durability = wanted});
     } catch (const host::no_adapter &error) {
         throw failure(std::string(error.what()) +
                           "; `haldenctl create`, `write`, `apply` and `flows import` make one",
@@ -35,8 +37,10 @@ std::vector<uint8_t> taken(const uint8_t *image, uint32_t bits) {
 
 }  // namespace
 
-opened_adapter::opened_adapter(const std::string &directory, host::access how)
-    : adapter_(opened(directory, how)), current_(*adapter_) {}
+opened_adapter::opened_adapter(const options &given, host::access how, bool armed)
+    : adapter_(opened(given, how)), current_(*adapter_) {
+    if (armed) arm(given);
+}
 
 void opened_adapter::arm(const options &given) {
     show_calls_ = given.show_calls;

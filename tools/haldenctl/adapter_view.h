@@ -19,12 +19,9 @@ namespace halden::tool {
 // all others, and nothing is made of it.
 class opened_adapter {
   public:
-    opened_adapter(const options &given, host::access how) : opened_adapter(given.adapter, how) {
-        arm(given);
-    }
-    // Without the faults and the record of the options; arm() adds them.
-    explicit opened_adapter(const std::string &directory = {},
-                            host::access how = host::access::create);
+    opened_adapter() : opened_adapter(options(), host::access::create) {}
+    // When it is not armed the faults and the record of the options wait for arm().
+    opened_adapter(const options &given, host::access how, bool armed = true);
     void arm(const options &given);
     ~opened_adapter();
     opened_adapter(const opened_adapter &) = delete;

@@ -75,6 +75,9 @@ exit_status run(int argc, char **argv) {
            "when there is none. Without it, memory ends with the command")
         ->envname("HALDEN_ADAPTER")
         ->type_name("DIR");
+    app.add_flag("--sync", given.sync,
+                 "What is written to the directory is on the disk before the command goes on: it "
+                 "outlives a power cut, and takes its time");
     std::string colours = "auto", level, log_file;
     app.add_option("--color", colours, "Colours: auto, always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}))

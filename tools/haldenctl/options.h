@@ -11,6 +11,7 @@ namespace halden::tool {
 
 struct options {
     std::string adapter;              // directory; empty for memory that ends with the command
+    bool sync = false;                // what is done outlives a power cut
     std::vector<host::fault> faults;  // that the command shall meet
     bool show_calls = false;          // its calls of the ASIC layer, at the end
 };

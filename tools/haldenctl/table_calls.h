@@ -16,7 +16,7 @@ class opened_tables {
   public:
     // Making the engines reads the tables; what the options ask for begins behind that.
     opened_tables(const options &given, host::access how)
-        : adapter_(given.adapter, how), state_(*adapter_) {
+        : adapter_(given, how, false), state_(*adapter_) {
         adapter_.arm(given);
     }
     host::adapter &operator*() const { return *adapter_; }

@@ -224,14 +224,14 @@ class restorer {
 sdk_ret_t engine::restore() {
     if (!is_mapped()) return SDK_RET_OOM;
     if (!rows_.is_writable()) return SDK_RET_HW_PROGRAM_ERR;
-    return guarded([&] { return restorer(*this).run(true); });
+    return guarded([&] { return rows_.kept(restorer(*this).run(true)); });
 }
 
 sdk_ret_t engine::finish_work() {
     // Whoever only reads finds every flow as it is.
     if (!is_mapped()) return SDK_RET_OOM;
     if (!rows_.is_writable() || work_->is_idle()) return SDK_RET_OK;
-    return guarded([&] { return restorer(*this).run(false); });
+    return guarded([&] { return rows_.kept(restorer(*this).run(false)); });
 }
 
 }  // namespace halden::host::flow

@@ -48,7 +48,7 @@ sdk_ret_t engine::insert(base_table_entry_t *entry, uint32_t hash) {
     if (!rows_.is_writable()) return SDK_RET_HW_PROGRAM_ERR;
     rows::prefetch(rows_.main(main_row(hash)));
     return with(entry, [&](auto caller, auto cursor, auto fresh) {
-        return insert_as(caller, cursor, fresh, hash);
+        return rows_.kept(insert_as(caller, cursor, fresh, hash));
     });
 }
 
@@ -64,7 +64,7 @@ sdk_ret_t engine::update(base_table_entry_t *entry, uint32_t hash) {
         const stripe_change change(shared);
         take_key_and_data(cursor, caller);
         rows_.store_changed(way.at, body_of(cursor));
-        return SDK_RET_OK;
+        return rows_.kept(SDK_RET_OK);
     });
 }
 
@@ -112,7 +112,7 @@ sdk_ret_t engine::remove(base_table_entry_t *entry, uint32_t hash) {
     if (!rows_.is_writable()) return SDK_RET_HW_PROGRAM_ERR;
     rows::prefetch(rows_.main(main_row(hash)));
     return with(entry, [&](auto caller, auto cursor, auto other) {
-        return remove_as(caller, cursor, other, hash);
+        return rows_.kept(remove_as(caller, cursor, other, hash));
     });
 }
 

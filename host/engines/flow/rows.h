@@ -54,6 +54,7 @@ class rows {
         main_rows_ = hardware.depth(flow_table);
         overflow_rows_ = hardware.depth(flow_ohash_table);
         writable_ = hardware.is_writable();
+        flushes_ = hardware.flushes();
         return main_ != nullptr && overflow_ != nullptr;
     }
 
@@ -117,17 +118,26 @@ class rows {
     // Stores the words in which the row differs from the body; of the body words `first` to `last`.
     template <uint32_t first = 0, uint32_t last = words_per_row - 1>
     void store_changed(const place &to, const uint8_t *body) const {
+        bool changed = false;
         for_row_words([&](auto i) {
             if constexpr (words_per_row - 1 - i >= first && words_per_row - 1 - i <= last) {
                 const uint64_t word = row_word(body, i);
                 // Only the holder of the bucket's lock writes: the row does not change in between.
-                if (word_at(to, i).load(std::memory_order_relaxed) != word) store(to, i, word);
+                if (word_at(to, i).load(std::memory_order_relaxed) == word) return;
+                store(to, i, word);
+                changed = true;
             }
         });
+        if (changed) flush(to);
     }
     // Stores all words, whatever the row holds: unlike the above this does not wait for the row.
     void store_all(const place &to, const uint8_t *body) const {
         for_row_words([&](auto i) { store(to, i, row_word(body, i)); });
+        flush(to);
+    }
+    // The result of a call that has made its stores: they are acknowledged when all are kept.
+    sdk_ret_t kept(sdk_ret_t result) const {
+        return lost_.load(std::memory_order_relaxed) ? SDK_RET_HW_PROGRAM_ERR : result;
     }
 
     static void prefetch(const place &what) {
@@ -154,6 +164,12 @@ class rows {
         if (hook_) [[unlikely]]
             hook_(to.table, to.row);
     }
+    // Each batch of stores is on the disk before the next: their order is what keeps flows
+    // findable. What a failed flush has lost is not known, so nothing is acknowledged any more.
+    void flush(const place &row) const {
+        if (flushes_ && hardware_->flush_flow_row(row.table, row.row) != SDK_RET_OK) [[unlikely]]
+            lost_.store(true, std::memory_order_relaxed);
+    }
     static std::atomic_ref<uint64_t> word_at(const place &where, uint32_t index) {
         return std::atomic_ref<uint64_t>(*reinterpret_cast<uint64_t *>(where.at + index * 8));
     }
@@ -164,6 +180,8 @@ class rows {
     uint32_t main_rows_ = 0;
     uint32_t overflow_rows_ = 0;
     bool writable_ = false;
+    bool flushes_ = false;
+    mutable std::atomic<bool> lost_ = false;
     write_hook hook_;
 };
 
