@@ -48,6 +48,12 @@ void fault_set::record(bool on) {
     arm();
 }
 
+void fault_set::rest(bool on) {
+    const std::lock_guard guard(lock_);
+    resting_ = on;
+    arm();
+}
+
 std::vector<call_record> fault_set::recorded() const {
     const std::lock_guard guard(lock_);
     return records_;

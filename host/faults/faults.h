@@ -62,6 +62,9 @@ class fault_set {
     void record(bool on);
     std::vector<call_record> recorded() const;
 
+    // While it rests, every call goes through, unmet and unrecorded; what is injected stays.
+    void rest(bool on);
+
     // What the call shall answer: SDK_RET_OK lets it through. Sleeps for a delay.
     sdk_ret_t meet(asic_call call, uint32_t table, uint32_t index) {
         return armed_.load(std::memory_order_acquire) ? look_up(call, table, index) : SDK_RET_OK;
@@ -69,12 +72,15 @@ class fault_set {
 
   private:
     sdk_ret_t look_up(asic_call call, uint32_t table, uint32_t index);
-    void arm() { armed_.store(recording_ || !faults_.empty(), std::memory_order_release); }
+    void arm() {
+        armed_.store(!resting_ && (recording_ || !faults_.empty()), std::memory_order_release);
+    }
 
     mutable std::mutex lock_;
     std::vector<fault> faults_;
     std::vector<call_record> records_;
     bool recording_ = false;
+    bool resting_ = false;
     std::atomic<bool> armed_ = false;
 };
 

@@ -76,6 +76,7 @@ answer flow_lookup(adapter &hardware, const uint8_t *key_image) {
             break;
         out.table = flow_ohash_table;
         out.row = next;
+        ++out.path;
     }
     out.table = out.row = 0;
     out.bits = 0;

@@ -31,6 +31,7 @@ struct answer {
     // Of a hash table, hit or not: where the key belongs and what stands there.
     uint32_t hashed_row = 0;
     bool row_in_use = false;
+    uint32_t path = 0;  // of a flow: overflow rows on the way, the flow's own included
 };
 
 // Keyed tables only (ids 1 to 15); a miss for every other id. flow_ohash has no hash of its own: it

@@ -67,6 +67,20 @@ TEST_F(Faults, EveryTimeLastsUntilItIsTakenBack) {
     EXPECT_EQ(put(16, 0, 1), SDK_RET_OK);
 }
 
+TEST_F(Faults, WhatRestsMeetsNothingAndForgetsNothing) {
+    faults().record(true);
+    faults().inject({.call = asic_call::sram_write, .skip = 1});
+    EXPECT_EQ(put(16, 0, 1), SDK_RET_OK);
+    faults().rest(true);
+    for (unsigned i = 1; i < 4; ++i) EXPECT_EQ(put(16, i, 1), SDK_RET_OK);
+    faults().rest(false);
+    EXPECT_EQ(put(16, 4, 1), SDK_RET_HW_PROGRAM_ERR);
+    EXPECT_EQ(put(16, 5, 1), SDK_RET_OK);
+    std::vector<uint32_t> rows;
+    for (const call_record &call : faults().recorded()) rows.push_back(call.index);
+    EXPECT_THAT(rows, ElementsAre(0, 4, 5));
+}
+
 // Each fault counts for itself; the first refusal is the answer.
 TEST_F(Faults, OfSeveralFaultsTheFirstRefusalStands) {
     faults().inject({.call = asic_call::sram_write, .result = SDK_RET_OOM});

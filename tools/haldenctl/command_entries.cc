@@ -7,6 +7,7 @@
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/entry_text.h"
 #include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/refusal.h"
 #include "tools/haldenctl/screen.h"
 #include "tools/haldenctl/table_calls.h"
 
@@ -75,42 +76,26 @@ void add_command(CLI::App &app, const options &given, const char *name, host::ac
     });
 }
 
-failure why_not(host::adapter &adapter, const records &entry, uint32_t index, bool wanted) {
-    const bool there = find_entry(entry, index) == TEV_TBL_RET_OK;
-    if (there != wanted)
-        return there ? failure("there is an entry already: " + entry_called(entry, index))
-                     : failure("there is no entry: " + entry_called(entry, index),
-                               exit_status::missed);
-    return failure("the engine refused it: " + entry_called(entry, index) + "; the table has " +
-                       std::to_string(adapter.depth(entry.of->id)) +
-                       " rows; --log-level error says why",
-                   exit_status::adapter);
-}
-
-[[noreturn]] void refuse(const char *call, tev_tbl_ret_t result, const failure &why) {
-    throw failure(std::string(call) + ": " + why.what() + " (result " + name_of(result) + ")",
-                  why.status());
-}
-
-// Makes one call of the table API, and answers the entry's row. `there` tells whether the call is
-// for an entry that is there already.
-uint32_t carry_out(host::adapter &adapter, const given_entry &given, const char *name,
-                   tev_tbl_ret_t (*call)(const records &, uint32_t), bool there) {
+// Makes one call of the table API, and answers the entry's row.
+template <class Call>
+uint32_t carry_out(host::adapter &adapter, given_entry &given, table_call which, Call call) {
     const uint32_t index = row_given(adapter, *given.entry.of, given.index);
-    const tev_tbl_ret_t result = call(given.entry, index);
-    if (result != TEV_TBL_RET_OK) refuse(name, result, why_not(adapter, given.entry, index, there));
+    if (call(given.entry, index) != TEV_TBL_RET_OK)
+        throw refusals(adapter)
+            .reason(which, given.entry, index)
+            .inside(std::string(name_of(which)) + ": " + entry_called(given.entry, index));
     return index;
 }
 
 void create(host::adapter &adapter, const table &t, const std::vector<std::string> &fields) {
     given_entry given = entry_from_arguments(t, fields);
-    const uint32_t index = carry_out(adapter, given, "create", create_entry, false);
+    const uint32_t index = carry_out(adapter, given, table_call::create, create_entry);
     print_done(adapter, "created", given.entry, index);
 }
 
 void update(host::adapter &adapter, const table &t, const std::vector<std::string> &fields) {
     given_entry given = entry_from_arguments(t, fields);
-    const uint32_t index = carry_out(adapter, given, "update", update_entry, true);
+    const uint32_t index = carry_out(adapter, given, table_call::update, update_entry);
     print_done(adapter, "updated", given.entry, index);
 }
 
@@ -125,25 +110,16 @@ given_entry key_from_arguments(const table &t, const std::vector<std::string> &f
 }
 
 void remove(host::adapter &adapter, const table &t, const std::vector<std::string> &fields) {
-    const given_entry given = key_from_arguments(t, fields);
-    const uint32_t index = carry_out(adapter, given, "delete", delete_entry, true);
+    given_entry given = key_from_arguments(t, fields);
+    const uint32_t index = carry_out(adapter, given, table_call::remove, delete_entry);
     std::cout << painted("deleted", colour::good) << "  " << t.name << "  "
               << entry_called(given.entry, index) << "\n";
 }
 
 void find(host::adapter &adapter, const table &t, const std::vector<std::string> &fields) {
     given_entry given = key_from_arguments(t, fields);
-    const uint32_t index = row_given(adapter, t, given.index);
-    const tev_tbl_ret_t result = find_entry(given.entry, index);
-    if (result != TEV_TBL_RET_OK)
-        refuse("find", result,
-               result == TEV_TBL_RET_ENTRY_NOT_FOUND
-                   ? failure("there is no entry: " + entry_called(given.entry, index),
-                             exit_status::missed)
-                   : failure("it could not be looked for: " + entry_called(given.entry, index),
-                             exit_status::adapter));
-    if (read_entry(given.entry, index) == TEV_TBL_RET_OK)
-        print_done(adapter, "found", given.entry, index);
+    const uint32_t index = carry_out(adapter, given, table_call::find, read_entry);
+    print_done(adapter, "found", given.entry, index);
 }
 
 }  // namespace

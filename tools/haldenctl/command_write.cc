@@ -14,6 +14,7 @@
 #include "tools/haldenctl/entry_file.h"
 #include "tools/haldenctl/failure.h"
 #include "tools/haldenctl/given_entry.h"
+#include "tools/haldenctl/row_writer.h"
 #include "tools/haldenctl/screen.h"
 
 namespace halden::tool {
@@ -69,26 +70,6 @@ std::vector<placed> place_all(host::adapter &adapter, std::vector<file_entry> &e
         }
     }
     return out;
-}
-
-// Writes the entry and answers what stands in the row then.
-std::optional<stored_row> written(host::adapter &adapter, records &entry, uint32_t row) {
-    const host::scoped_current use(adapter);
-    if (p4pd_entry_install(entry.of->id, row, entry.key_pointer(), entry.mask_pointer(),
-                           entry.data.data()) != P4PD_SUCCESS)
-        return std::nullopt;
-    return stored_at(adapter, *entry.of, row);
-}
-
-// The library has no word for what the ASIC layer answered. Memory has: the row must hold what one
-// of `scratch`, which refuses nothing, holds of the same entry.
-void install(host::adapter &adapter, host::adapter &scratch, const placed &p) {
-    records &entry = p.given->entry;
-    const auto wanted = written(scratch, entry, 0);
-    const bool no_bits = row_bits(*entry.of) == 0;
-    if ((!wanted && !no_bits) || written(adapter, entry, p.row) != wanted)
-        throw failure("the adapter did not take it; --log-level error says why",
-                      exit_status::adapter);
 }
 
 // A flow's valid bit, the last of its fields.
@@ -165,12 +146,12 @@ void write(const opened_adapter &adapter, const std::string &path, bool quiet) {
     // What a killed process had begun may name rows that are written now: it is finished before.
     if (adapter->has_work_left()) host::table_state finished(*adapter);
     const std::vector<placed> places = place_all(*adapter, entries);
-    const auto scratch = host::adapter::anonymous();
+    row_writer writer(*adapter);
     std::set<uint32_t> tables_seen;
     size_t number = 0;
     for (const placed &p : places) {
         try {
-            install(*adapter, *scratch, p);
+            writer.write(p.given->entry, p.row);
         } catch (const failure &error) {
             throw failure(p.given->place + ": " + error.what() + "; " +
                               count_of(number, "entry", "entries") + " before it written",

@@ -47,6 +47,23 @@ std::string data_line(const records &entry) {
     return out.empty() && !a->fields.empty() ? "all fields 0" : out;
 }
 
+std::string difference_line(const records &now, const records &wanted) {
+    if (now.action_id() != wanted.action_id())
+        return std::string(now.action() != nullptr ? now.action()->name : "?") + " -> " +
+               std::string(wanted.action()->name);
+    const bool flow = wanted.of->kind == kind::hash_hbm;
+    std::string out;
+    const auto fields = wanted.action()->fields;
+    for (size_t n = 0; n < (flow ? 1 : fields.size()); ++n) {
+        if (now.data_value(n) == wanted.data_value(n)) continue;
+        if (!out.empty()) out += ", ";
+        out += std::string(fields[n].name) + " " +
+               shown(now.data_value(n), fields[n].name, fields[n].bits) + " -> " +
+               shown(wanted.data_value(n), fields[n].name, fields[n].bits);
+    }
+    return out;
+}
+
 std::string entry_text(const records &entry, unsigned indent) {
     columns out({"FIELD", ">BITS", "VALUE"});
     for (size_t n = 0; n < entry.of->key.size(); ++n)

@@ -107,7 +107,7 @@ void import_flows(opened_tables &tables, const std::string &path) {
 
     flow_store store(tables);
     uint64_t added = 0, known = 0;
-    named_flows refused, without_row;
+    named_flows refused, without_row, without_room;
     for (const packets::flow *f : seen.in_order) {
         switch (store.add(*f, seen.flows[*f])) {
             case add_result::added:
@@ -119,12 +119,15 @@ void import_flows(opened_tables &tables, const std::string &path) {
             case add_result::no_info_row:
                 without_row.add(packets::flow_text(*f));
                 break;
+            case add_result::no_room:
+                without_room.add(packets::flow_text(*f));
+                break;
             case add_result::refused:
                 refused.add(packets::flow_text(*f));
                 break;
         }
     }
-    const uint64_t left = refused.count() + without_row.count();
+    const uint64_t left = refused.count() + without_row.count() + without_room.count();
     std::cout << "  " << counted(seen.in_order.size(), "flow", "flows") << ": " << added << " new, "
               << known << " known" << (left == 0 ? "" : ", " + std::to_string(left) + " refused")
               << "\n"
@@ -133,8 +136,12 @@ void import_flows(opened_tables &tables, const std::string &path) {
               << " in the flow table of " << tables.adapter().name() << "\n";
     std::string why;
     if (refused.count() != 0)
-        why = "the tables refused " + counted(refused.count(), "flow", "flows") + ": " +
+        why = "the adapter refused " + counted(refused.count(), "flow", "flows") + ": " +
               refused.text() + "; --log-level error says why";
+    if (without_room.count() != 0)
+        why += (why.empty() ? "" : "; ") + std::string("flow has no room for ") +
+               counted(without_room.count(), "flow", "flows") + ": " + without_room.text() +
+               "; of the last, " + store.no_room();
     if (without_row.count() != 0)
         why += (why.empty() ? "" : "; ") + std::string("flow_info has no free row for ") +
                counted(without_row.count(), "flow", "flows") + ": " + without_row.text();

@@ -72,16 +72,26 @@ add_result flow_store::add(const packets::flow &f, const flow_counts &counts) {
     uint32_t index = 0;
     if (!next_free_index(index)) return add_result::no_info_row;
     spec.action_u.flow_hash.flow_idx = index;
-    if (flow_data(*tables_, index).add(counts) && tev_tbl_flow_create(&spec) == TEV_TBL_RET_OK) {
+    if (!flow_data(*tables_, index).add(counts)) {
+        flow_data(*tables_, index).remove();
+        return add_result::refused;
+    }
+    if (tev_tbl_flow_create(&spec) == TEV_TBL_RET_OK) {
         if (!uses_.empty()) ++uses_[index];
         return add_result::added;
     }
+    records entry(*pipeline::find_table(host::flow_table));
+    std::memcpy(entry.key.data(), &spec.key, sizeof spec.key);
+    const failure why = refusals_.reason(table_call::create, entry, 0);
     flow_data(*tables_, index).remove();
-    return add_result::refused;
+    if (why.status() != exit_status::refused) return add_result::refused;
+    no_room_ = why.what();
+    return add_result::no_room;
 }
 
 remove_result flow_store::remove(const stored_flow &f) {
     uint32_t &uses = uses_of(f.index);
+    refusals_ = refusals(*tables_);
     if (tev_tbl_flow_delete(&f.key) != TEV_TBL_RET_OK) return remove_result::refused;
     searched_ = 1;
     if (--uses != 0) return remove_result::removed;

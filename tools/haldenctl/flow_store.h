@@ -13,6 +13,7 @@
 #include <functional>
 
 #include "tools/haldenctl/flow_data.h"
+#include "tools/haldenctl/refusal.h"
 #include "tools/haldenctl/table_calls.h"
 #include "tools/packets/flow_key.h"
 
@@ -31,14 +32,16 @@ struct stored_flow {
 std::optional<stored_flow> flow_at(host::adapter &adapter, uint32_t table, uint32_t row);
 
 enum class remove_result : uint8_t { removed, refused, data_left };
-enum class add_result : uint8_t { added, counted, no_info_row, refused };
+enum class add_result : uint8_t { added, counted, no_info_row, no_room, refused };
 
 class flow_store {
   public:
-    explicit flow_store(opened_tables &tables) : tables_(tables) {}
+    explicit flow_store(opened_tables &tables) : tables_(tables), refusals_(*tables) {}
 
     // Makes the flow if it is not there, and adds to its counts.
     add_result add(const packets::flow &f, const flow_counts &counts);
+    // Why the last flow that there was no room for has none.
+    const std::string &no_room() const { return no_room_; }
     // Takes it out; its data as well, unless another flow points there.
     remove_result remove(const stored_flow &f);
     // Data rows that no flow points at and that an import or a delete left behind.
@@ -56,6 +59,8 @@ class flow_store {
     uint32_t &uses_of(uint32_t index);
 
     opened_tables &tables_;
+    refusals refusals_;  // of flows that are added
+    std::string no_room_;
     std::vector<uint32_t> uses_;  // by flow_idx; empty until it is asked for
     uint32_t searched_ = 1;       // no index below it is free
 };

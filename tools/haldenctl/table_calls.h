@@ -2,6 +2,7 @@
 
 // The table API by table, for entries that are known at run time only.
 
+#include <optional>
 #include <string>
 
 #include "host/state/table_state.h"
@@ -14,18 +15,26 @@ namespace halden::tool {
 // An adapter with the engines of its tables.
 class opened_tables {
   public:
-    // Making the engines reads the tables; what the options ask for begins behind that.
     opened_tables(const options &given, host::access how)
-        : adapter_(given, how, false), state_(*adapter_) {
-        adapter_.arm(given);
+        : opened_tables(given, how, engines_later{}) {
+        make_engines();
+    }
+    // For work on the rows that engines shall take up when make_engines() follows.
+    struct engines_later {};
+    opened_tables(const options &given, host::access how, engines_later) : adapter_(given, how) {}
+    // Reads the tables; faults and records of the options are for what the command itself does.
+    void make_engines() {
+        adapter_->faults().rest(true);
+        state_.emplace(*adapter_);
+        adapter_->faults().rest(false);
     }
     host::adapter &operator*() const { return *adapter_; }
     const opened_adapter &adapter() const { return adapter_; }
-    api::impl::tev_tbl_impl_state &tables() { return state_.tables(); }
+    api::impl::tev_tbl_impl_state &tables() { return state_->tables(); }
 
   private:
     opened_adapter adapter_;
-    host::table_state state_;
+    std::optional<host::table_state> state_;
 };
 
 // Whether the table API serves it: overflow and keyless tables have no engine of their own.
