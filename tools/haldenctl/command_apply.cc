@@ -2,110 +2,20 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <iostream>
-#include <unordered_map>
+#include <optional>
 
-#include "p4gen/halden/pipeline/words.h"
+#include "tools/haldenctl/apply_steps.h"
 #include "tools/haldenctl/commands.h"
-#include "tools/haldenctl/entry_file.h"
-#include "tools/haldenctl/entry_text.h"
 #include "tools/haldenctl/failure.h"
 #include "tools/haldenctl/screen.h"
 #include "tools/haldenctl/table_calls.h"
 
 namespace halden::tool {
 
-using namespace pipeline;
-
 namespace {
-
-struct planned {
-    file_entry *given;
-    uint32_t index;
-};
-
-// What has to be done for one entry.
-struct step {
-    enum class what : uint8_t { create, update, nothing } work;
-    std::string difference;
-};
-
-std::string name_of(const file_entry &given, uint32_t index) {
-    const table &t = *given.entry.of;
-    return std::string(t.name) + "  " +
-           (is_keyed(t.kind) ? key_line(given.entry) : "index " + std::to_string(index));
-}
-
-// Equal for two entries that cannot both be there: of one key as hardware compares it, or one row.
-std::string identity_of(records &entry, uint32_t index) {
-    std::string out = std::to_string(entry.of->id) + ":";
-    if (!is_keyed(entry.of->kind)) return out + std::to_string(index);
-    const key_images images = images_of(entry);
-    out.append(images.key.begin(), images.key.end());
-    return out.append(images.mask.begin(), images.mask.end());
-}
-
-// All entries that can be seen to be wrong are found here, before the first write.
-std::vector<planned> plan(host::adapter &adapter, std::vector<file_entry> &entries) {
-    std::vector<planned> out;
-    std::unordered_map<std::string, const file_entry *> seen;
-    for (file_entry &given : entries) {
-        const table &t = *given.entry.of;
-        try {
-            check_engine(t);
-            uint32_t index = 0;
-            if (!is_keyed(t.kind)) {
-                if (!given.index && adapter.depth(t.id) != 1)
-                    throw failure("no \"index\" is given; allowed: 0 to " +
-                                  std::to_string(adapter.depth(t.id) - 1));
-                index = given.index.value_or(0);
-                check_row(adapter, t, index);
-            }
-            const auto [other, fresh] = seen.insert({identity_of(given.entry, index), &given});
-            if (!fresh)
-                throw failure("its " + std::string(is_keyed(t.kind) ? "key" : "index") +
-                              " is also that of " +
-                              other->second->place.substr(other->second->place.rfind("entry ")));
-            out.push_back({&given, index});
-        } catch (const failure &error) {
-            throw error.inside(given.place);
-        }
-    }
-    return out;
-}
-
-// The engine keeps a flow's hint chain and valid bit; software has flow_idx alone.
-bool is_of_engine(const table &t, size_t field) {
-    return is_hash(t.kind) && is_hbm(t.kind) && field != 0;
-}
-
-std::string difference(const records &now, const records &wanted) {
-    if (now.action_id() != wanted.action_id())
-        return std::string(now.action() != nullptr ? now.action()->name : "?") + " -> " +
-               std::string(wanted.action()->name);
-    std::string out;
-    const auto fields = wanted.action()->fields;
-    for (size_t n = 0; n < fields.size(); ++n) {
-        if (now.data_value(n) == wanted.data_value(n) || is_of_engine(*wanted.of, n)) continue;
-        if (!out.empty()) out += ", ";
-        out += std::string(fields[n].name) + " " +
-               shown(now.data_value(n), fields[n].name, fields[n].bits) + " -> " +
-               shown(wanted.data_value(n), fields[n].name, fields[n].bits);
-    }
-    return out;
-}
-
-step step_for(const planned &p) {
-    records now = p.given->entry;
-    if (find_entry(now, p.index) != TEV_TBL_RET_OK)
-        return {step::what::create, data_line(p.given->entry)};
-    if (const tev_tbl_ret_t result = read_entry(now, p.index); result != TEV_TBL_RET_OK)
-        throw failure(p.given->place + ": it cannot be read (result " + tool::name_of(result) + ")",
-                      exit_status::adapter);
-    const std::string changes = difference(now, p.given->entry);
-    return {changes.empty() ? step::what::nothing : step::what::update, changes};
-}
 
 // One line on a terminal that is written over again and again.
 class progress {
@@ -132,71 +42,118 @@ class progress {
     std::chrono::steady_clock::time_point shown_ = {};
 };
 
-struct counts {
-    size_t created = 0, updated = 0, unchanged = 0;
-    std::string text(bool dry) const {
-        return std::to_string(created) + (dry ? " to create, " : " created, ") +
-               std::to_string(updated) + (dry ? " to update, " : " updated, ") +
-               std::to_string(unchanged) + " unchanged";
-    }
-};
-
-std::string applied_so_far(size_t done, size_t all) {
-    if (done == 0) return "nothing of the file was applied";
-    const size_t failed = done + 1;
-    std::string out = done == 1 ? "entry 1 was applied"
-                                : "entries 1 to " + std::to_string(done) + " were applied";
-    if (failed < all)
-        out += failed + 1 == all ? ", entry " + std::to_string(all) + " was not"
-                                 : ", entries " + std::to_string(failed + 1) + " to " +
-                                       std::to_string(all) + " were not";
-    return out;
-}
-
 struct apply_options {
     std::string path;
     bool dry = false, quiet = false;
 };
 
-void apply(opened_tables &tables, const apply_options &wanted) {
-    std::vector<file_entry> entries = read_entry_file(wanted.path);
-    const std::vector<planned> work = plan(*tables, entries);
-    counts count;
-    size_t done = 0;
-    {
-        progress shown(work.size());
-        for (const planned &p : work) {
-            const step s = step_for(p);
-            tev_tbl_ret_t result = TEV_TBL_RET_OK;
-            const char *word = "unchanged";
-            if (s.work == step::what::create) {
-                word = wanted.dry ? "create" : "created";
-                if (!wanted.dry) result = create_entry(p.given->entry, p.index);
-                ++count.created;
-            } else if (s.work == step::what::update) {
-                word = wanted.dry ? "update" : "updated";
-                if (!wanted.dry) result = update_entry(p.given->entry, p.index);
-                ++count.updated;
-            } else {
-                ++count.unchanged;
+// The entries of a file on their way into the tables.
+class application {
+  public:
+    application(opened_tables &tables, const apply_options &wanted,
+                std::vector<file_entry> &entries)
+        : tables_(tables), wanted_(wanted), work_(plan_entries(*tables, entries)) {}
+
+    void run() {
+        progress shown(work_.size());
+        const auto first_call =
+            std::find_if(work_.begin(), work_.end(), [](const auto &p) { return !p.as_row; });
+        row_steps rows(*tables_);
+        for (auto p = work_.begin(); p != first_call; ++p) carry_out(*p, rows, shown);
+        tables_.make_engines();
+        engine_steps calls(*tables_);
+        for (auto p = first_call; p != work_.end(); ++p) carry_out(*p, calls, shown);
+        throw_refusal();
+    }
+
+    std::string summary() const {
+        return std::to_string(created_) + (wanted_.dry ? " to create, " : " created, ") +
+               std::to_string(updated_) + (wanted_.dry ? " to update, " : " updated, ") +
+               std::to_string(unchanged_) + " unchanged" +
+               (wanted_.dry ? "; nothing was changed in " : " in ") + tables_.adapter().name();
+    }
+    bool changes() const { return created_ + updated_ != 0; }
+
+  private:
+    // The run ends with the first entry that is refused. A dry run notes what it would have said
+    // and tries the rest, without a word on each: which of them find no room is worth knowing.
+    template <class Steps>
+    void carry_out(const planned_entry &p, Steps &steps, progress &shown) {
+        try {
+            const step s = steps.carry_out(p);
+            shown.at(++tried_);
+            if (refusal_) return;
+            ++done_;
+            count(s.what);
+            if (!wanted_.quiet) print(p, s);
+        } catch (const failure &error) {
+            if (refusal_) {
+                also_refused_.push_back(p.number);
+                return;
             }
-            if (result != TEV_TBL_RET_OK)
-                throw failure(p.given->place + ": " +
-                                  (s.work == step::what::create ? "create" : "update") +
-                                  ": result " + tool::name_of(result) + "; " +
-                                  applied_so_far(done, work.size()),
-                              exit_status::adapter);
-            ++done;
-            shown.at(done);
-            if (wanted.quiet) continue;
-            std::cout << painted(word, s.work == step::what::nothing ? colour::dim : colour::good)
-                      << "  " << name_of(*p.given, p.index)
-                      << (s.difference.empty() ? "" : "  " + s.difference) << "\n";
+            const failure here = error.inside(p.given->place);
+            const failure whole(here.what() + ("; " + applied_so_far()), here.status());
+            if (!wanted_.dry || here.status() != exit_status::refused) throw whole;
+            refusal_ = whole;
         }
     }
-    std::cout << count.text(wanted.dry) << (wanted.dry ? "; nothing was changed in " : " in ")
-              << tables.adapter().name() << "\n";
-    if (wanted.dry && count.created + count.updated != 0) throw missed();
+    // What a dry run found to be refused.
+    void throw_refusal() {
+        if (!refusal_) return;
+        if (also_refused_.empty()) throw *refusal_;
+        std::sort(also_refused_.begin(), also_refused_.end());
+        throw failure(refusal_->what() + ("; " + std::to_string(also_refused_.size())) +
+                          " more would be refused: " + entries_text(also_refused_),
+                      refusal_->status());
+    }
+    void count(change what) {
+        ++(what == change::created ? created_ : what == change::updated ? updated_ : unchanged_);
+    }
+    void print(const planned_entry &p, const step &s) const {
+        const char *word = s.what == change::none      ? "unchanged"
+                           : s.what == change::created ? (wanted_.dry ? "create" : "created")
+                                                       : (wanted_.dry ? "update" : "updated");
+        std::cout << painted(word, s.what == change::none ? colour::dim : colour::good) << "  "
+                  << name_of(p) << (s.difference.empty() ? "" : "  " + s.difference) << "\n";
+    }
+    static std::string entries_text(const std::vector<size_t> &numbers) {
+        return (numbers.size() == 1 ? "entry " : "entries ") + ranges_of(numbers);
+    }
+    // "entries 1 to 5 were applied, entry 7 was not"
+    std::string applied_so_far() const {
+        if (done_ == 0)
+            return std::string("nothing of the file ") + (wanted_.dry ? "would be" : "was") +
+                   " applied";
+        const auto numbers = [&](size_t from, size_t to) {
+            std::vector<size_t> out;
+            for (size_t at = from; at < to; ++at) out.push_back(work_[at].number);
+            std::sort(out.begin(), out.end());
+            return entries_text(out) + (wanted_.dry       ? " would"
+                                        : out.size() == 1 ? " was"
+                                                          : " were");
+        };
+        std::string out = numbers(0, done_) + (wanted_.dry ? " be applied" : " applied");
+        if (done_ + 1 < work_.size()) out += ", " + numbers(done_ + 1, work_.size()) + " not";
+        return out;
+    }
+
+    opened_tables &tables_;
+    const apply_options &wanted_;
+    std::vector<planned_entry> work_;
+    size_t tried_ = 0, done_ = 0, created_ = 0, updated_ = 0, unchanged_ = 0;
+    std::optional<failure> refusal_;  // the first, of a dry run
+    std::vector<size_t> also_refused_;
+};
+
+// A dry run works in memory of its own, over the adapter's files.
+void apply(const options &given, const apply_options &wanted) {
+    std::vector<file_entry> entries = read_entry_file(wanted.path);
+    opened_tables tables(given, wanted.dry ? host::access::rehearse : host::access::create,
+                         opened_tables::engines_later{});
+    application application(tables, wanted, entries);
+    application.run();
+    std::cout << application.summary() << "\n";
+    if (wanted.dry && application.changes()) throw missed();
 }
 
 }  // namespace
@@ -205,18 +162,21 @@ void add_apply(CLI::App &app, const options &given) {
     CLI::App *command = app.add_subcommand(
         "apply", "Create or update the entries of a JSON file through the table API");
     command->footer(
-        "The file is that of `write`; the engines choose the rows of keyed tables, whatever\n"
-        "\"index\" says. It is checked whole first, and applied entry by entry up to the first\n"
-        "that is refused. A dry run that finds something to create or to update ends with status "
-        "1.");
+        "The file is that of `write` and of `dump --json`. It is checked whole first, and applied\n"
+        "entry by entry up to the first that is refused. The engines choose the rows of keyed\n"
+        "tables, whatever \"index\" says: an entry of flow_ohash is a flow, and one of an\n"
+        "overflow TCAM an entry of its hash table. What no engine serves is written first, as\n"
+        "rows: tables without key and data, and overflow rows whose mask leaves out bits of the\n"
+        "key, which take the next free row where theirs is taken.\n"
+        "\n"
+        "A dry run does all of it in memory of its own, and says what the run would say. Beyond\n"
+        "that it names all entries that would be refused. When it finds something to create or\n"
+        "to update, and nothing is refused, it ends with status 1.");
     auto wanted = std::make_shared<apply_options>();
     command->add_option("FILE", wanted->path, "The entries; - is standard input")->required();
     command->add_flag("-n,--dry-run", wanted->dry, "Show what would change, and change nothing");
     command->add_flag("-q,--quiet", wanted->quiet, "The last line alone");
-    command->callback([&given, wanted] {
-        opened_tables tables(given, wanted->dry ? host::access::rehearse : host::access::create);
-        apply(tables, *wanted);
-    });
+    command->callback([&given, wanted] { apply(given, *wanted); });
 }
 
 }  // namespace halden::tool

@@ -21,7 +21,12 @@ class opened_tables {
     }
     // For work on the rows that engines shall take up when make_engines() follows.
     struct engines_later {};
-    opened_tables(const options &given, host::access how, engines_later) : adapter_(given, how) {}
+    opened_tables(const options &given, host::access how, engines_later) : adapter_(given, how) {
+        // What a killed process had begun may name rows that are written now.
+        adapter_->faults().rest(true);
+        if (adapter_->has_work_left()) host::table_state finished(*adapter_);
+        adapter_->faults().rest(false);
+    }
     // Reads the tables; faults and records of the options are for what the command itself does.
     void make_engines() {
         adapter_->faults().rest(true);
