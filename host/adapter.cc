@@ -110,6 +110,17 @@ std::string adapter::memory_name(memory where, uint32_t tableid) const {
                                    " of table " + std::to_string(tableid);
 }
 
+// A file's error begins with its name, which is said only once.
+void adapter::note_unmapped(memory where, uint32_t tableid, const std::string &name,
+                            const std::exception &error) {
+    std::string_view reason = error.what();
+    const std::string prefix = name + ": ";
+    if (reason.starts_with(prefix)) reason.remove_prefix(prefix.size());
+    const std::string what = "cannot be mapped: " + std::string(reason);
+    trace::error("%s: %s", name.c_str(), what.c_str());
+    troubles_->note(where, tableid, trouble_list::whole_memory, name, what);
+}
+
 // Memories are mapped when they are first touched: most uses of an adapter need few of them.
 row_store *adapter::rows_of(memory where, uint32_t tableid) {
     auto &place = rows_[static_cast<unsigned>(where)][tableid];
@@ -125,9 +136,7 @@ row_store *adapter::rows_of(memory where, uint32_t tableid) {
                              where == memory::tcam ? tcam_lengths : row_lengths{});
         place.store(rows, std::memory_order_release);
     } catch (const std::exception &error) {
-        trace::error("table %u: %s cannot be mapped: %s", tableid, name_of(where), error.what());
-        troubles_->note(where, tableid, trouble_list::whole_memory, memory_name(where, tableid),
-                        std::string("cannot be mapped: ") + error.what());
+        note_unmapped(where, tableid, memory_name(where, tableid), error);
     }
     return rows;
 }
@@ -143,10 +152,7 @@ flow_rows *adapter::flow_rows_of(uint32_t tableid) {
         rows = new flow_rows(backing_of(memory::hbm, tableid), depth(tableid));
         place.store(rows, std::memory_order_release);
     } catch (const std::exception &error) {
-        trace::error("table %u: HBM cannot be mapped: %s", tableid, error.what());
-        troubles_->note(memory::hbm, tableid, trouble_list::whole_memory,
-                        memory_name(memory::hbm, tableid),
-                        std::string("cannot be mapped: ") + error.what());
+        note_unmapped(memory::hbm, tableid, memory_name(memory::hbm, tableid), error);
     }
     return rows;
 }
@@ -179,10 +185,9 @@ work_page *adapter::work() {
         backing from = work_backing(is_new);
         work_ = std::make_unique<work_page>(std::move(from), is_new && is_writable());
     } catch (const std::exception &error) {
-        trace::error("what the engines have under way cannot be kept: %s", error.what());
-        troubles_->note(memory::sram, 0, trouble_list::whole_memory,
-                        files_ != nullptr ? files_->path() + "/" + work_file : "anonymous memory",
-                        std::string("cannot be mapped: ") + error.what());
+        note_unmapped(memory::sram, 0,
+                      files_ != nullptr ? files_->path() + "/" + work_file : "anonymous memory",
+                      error);
     }
     return work_.get();
 }

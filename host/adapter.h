@@ -205,6 +205,8 @@ class adapter {
     sdk_ret_t refuse_index(const char *call, uint32_t tableid, uint32_t index);
     sdk_ret_t refuse_damaged(const char *call, const row_place &place, uint16_t length);
     std::string memory_name(memory where, uint32_t tableid) const;
+    void note_unmapped(memory where, uint32_t tableid, const std::string &name,
+                       const std::exception &error);
     template <class See>
     sdk_ret_t for_each_memory(uint32_t tableid, uint32_t index, See see);
     sdk_ret_t read_row(const char *call, const row_place &place, row_image &image, uint16_t &bits);

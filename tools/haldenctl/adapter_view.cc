@@ -8,6 +8,7 @@
 #include "p4pd.h"
 #include "sdk/p4pd_utils.h"
 #include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/troubles.h"
 #include "tools/haldenctl/value.h"
 
 namespace halden::tool {
@@ -31,6 +32,15 @@ std::unique_ptr<host::adapter> opened(const options &given, host::access how) {
     }
 }
 
+// Damage must not pass for an empty row. What is wrong is said when the adapter is closed.
+void check_read(sdk_ret_t result, const table &t, uint32_t row) {
+    if (result == SDK_RET_OOM)
+        throw failure(std::string(t.name) + ": its memory cannot be read", exit_status::adapter);
+    if (result == SDK_RET_DAMAGED)
+        throw failure(std::string(t.name) + ": row " + std::to_string(row) + " cannot be read",
+                      exit_status::adapter);
+}
+
 std::vector<uint8_t> taken(const uint8_t *image, uint32_t bits) {
     return {image, image + (bits + 7) / 8};
 }
@@ -49,6 +59,11 @@ void opened_adapter::arm(const options &given) {
 }
 
 opened_adapter::~opened_adapter() {
+    for (const std::string &trouble : adapter_->troubles()) {
+        trouble_was_met = true;
+        std::cout.flush();
+        std::cerr << "haldenctl: " << printable(trouble) << "\n";
+    }
     if (!show_calls_) return;
     for (const host::call_record &call : adapter_->faults().recorded())
         std::cerr << host::name_of(call.call) << "  "
@@ -66,7 +81,7 @@ std::optional<stored_row> stored_at(host::adapter &adapter, const table &t, uint
     uint16_t bits = 0;
     if (has_mask(t.kind)) {
         std::array<uint8_t, host::tcam_image_bytes> key = {}, mask = {};
-        adapter.tcam_read(t.id, row, key.data(), mask.data(), &bits);
+        check_read(adapter.tcam_read(t.id, row, key.data(), mask.data(), &bits), t, row);
         if (bits == 0) return std::nullopt;
         p4pd_utils_swizzle_bytes(key.data(), bits);
         p4pd_utils_swizzle_bytes(mask.data(), bits);
@@ -75,9 +90,9 @@ std::optional<stored_row> stored_at(host::adapter &adapter, const table &t, uint
     }
     std::array<uint8_t, host::flow_row_bytes> image = {};
     if (is_hbm(t.kind)) {
-        adapter.hbm_read(t.id, row, image.data(), &bits);
+        check_read(adapter.hbm_read(t.id, row, image.data(), &bits), t, row);
     } else {
-        adapter.sram_read(t.id, row, image.data(), &bits);
+        check_read(adapter.sram_read(t.id, row, image.data(), &bits), t, row);
         p4pd_utils_swizzle_bytes(image.data(), bits);
     }
     if (bits == 0 && out.key.empty()) return std::nullopt;
@@ -131,6 +146,10 @@ std::optional<found_row> row_of(host::adapter &adapter, records &wanted) {
     if (is_hash(t.kind) && t.id != host::flow_ohash_table) {
         const key_images images = images_of(wanted);
         const auto found = host::view::lookup(adapter, t.id, images.key.data());
+        if (found.unread != SDK_RET_OK)
+            throw failure(std::string(t.name) +
+                              ": it cannot be told where the entry is: memory cannot be read",
+                          exit_status::adapter);
         if (!found.hit) return std::nullopt;
         const table &hit = *find_table(found.table);
         // A row of the overflow whose mask leaves bits out hides those of whole keys.
@@ -140,6 +159,8 @@ std::optional<found_row> row_of(host::adapter &adapter, records &wanted) {
             whole.set_key(n, wanted.key_value(n), all_ones(t.key[n].bits));
         return row_of(adapter, whole);
     }
+    // Memory that cannot be mapped is not empty.
+    if (adapter.check_row(t.id, 0) == SDK_RET_OOM) check_read(SDK_RET_OOM, t, 0);
     for (uint32_t row = adapter.next_used(t.id, 0); row < adapter.depth(t.id);
          row = adapter.next_used(t.id, row + 1)) {
         const auto entry = read_back(adapter, t, row);

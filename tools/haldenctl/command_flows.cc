@@ -151,6 +151,7 @@ std::string bar(uint64_t part, uint64_t most) {
 }
 
 void stats(opened_tables &tables) {
+    flow_store store(tables);
     const auto s = sdk::table::ftl_access::statistics(*tables.tables().flow_tbl());
     const auto line = [](const char *name, uint32_t used, uint32_t rows) {
         char percent[16];
@@ -160,7 +161,7 @@ void stats(opened_tables &tables) {
     std::cout << counted(s.flows(), "flow", "flows") << "\n";
     line("  main table  ", s.main_used, s.main_depth);
     line("  overflow    ", s.overflow_used, s.overflow_depth);
-    if (const uint32_t rows = flow_store(tables).count_left_over(); rows != 0)
+    if (const uint32_t rows = store.count_left_over(); rows != 0)
         std::cout << "  " << counted(rows, "row", "rows")
                   << " of flow_info left over, to which no flow leads; the next import or "
                      "`haldenctl flows delete --all` takes "

@@ -132,6 +132,9 @@ void look_up(const opened_adapter &adapter, const table &t,
         records packet = packet_key(t, fields);
         const key_images images = images_of(packet);
         const auto found = host::view::lookup(*adapter, t.id, images.key.data());
+        if (found.unread != SDK_RET_OK)
+            throw failure("it cannot be told what the key hits: memory on its way cannot be read",
+                          exit_status::adapter);
         if (!found.hit) {
             print_miss(*adapter, packet, found, images.key);
             throw missed();

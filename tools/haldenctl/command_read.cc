@@ -166,7 +166,13 @@ class dump_printer {
 void dump_table(host::adapter &adapter, const table &t, dump_printer &out) {
     for (uint32_t row = adapter.next_used(t.id, 0); row < adapter.depth(t.id);
          row = adapter.next_used(t.id, row + 1)) {
-        const auto entry = read_back(adapter, t, row);
+        std::optional<records> entry;
+        try {
+            entry = read_back(adapter, t, row);
+        } catch (const failure &) {
+            // Named at the end; the other rows are shown.
+            if (adapter.troubles().empty()) throw;
+        }
         if (!entry) continue;
         if (entry->action() == nullptr)
             throw failure(
@@ -212,7 +218,7 @@ void add_dump(CLI::App &app, const options &given) {
         for (const table *t : tables)
             if (one == nullptr || one == t) dump_table(*adapter, *t, out);
         out.end();
-        if (out.count() == 0)
+        if (out.count() == 0 && adapter->troubles().empty())
             std::cerr << (one != nullptr ? std::string(one->name) : "all tables") << ": no row of "
                       << adapter.name() << " is in use\n";
     });

@@ -8,6 +8,7 @@
 #include "p4gen/halden/pipeline/words.h"
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/entry_file.h"
+#include "tools/haldenctl/failure.h"
 #include "tools/haldenctl/screen.h"
 #include "tools/haldenctl/table_calls.h"
 
@@ -107,6 +108,9 @@ void add_stats(CLI::App &app, const options &given) {
     command->callback([&given, every, as_json] {
         opened_tables tables(given, host::access::read);
         const auto all = all_figures(tables.tables());
+        if (!(*tables).troubles().empty())
+            throw failure("how full the tables are cannot be told: memory cannot be read",
+                          exit_status::adapter);
         *as_json ? print_json(all) : print_text(all, *every);
     });
 }

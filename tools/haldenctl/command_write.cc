@@ -150,6 +150,9 @@ void write(const opened_adapter &adapter, const std::string &path, bool quiet) {
     std::set<uint32_t> tables_seen;
     size_t number = 0;
     for (const placed &p : places) {
+        const std::string damage = adapter->damage_of(p.given->entry.of->id, p.row);
+        if (!damage.empty())
+            std::cerr << "haldenctl: " << printable(damage) << ", and is written anew\n";
         try {
             writer.write(p.given->entry, p.row);
         } catch (const failure &error) {

@@ -4,10 +4,19 @@
 
 #include "ftl/flow_hash_entry.h"
 #include "host/engines/flow/ftl_access.h"
+#include "tools/haldenctl/failure.h"
 
 namespace halden::tool {
 
 using sdk::table::ftl_access;
+
+flow_store::flow_store(opened_tables &tables) : tables_(tables), refusals_(*tables) {
+    for (const uint32_t table : {host::flow_table, host::flow_ohash_table})
+        if ((*tables).hbm_rows(table) == nullptr)
+            throw failure(
+                std::string(pipeline::find_table(table)->name) + ": its memory cannot be read",
+                exit_status::adapter);
+}
 
 // The flows that point at each row of flow_info.
 uint32_t &flow_store::uses_of(uint32_t index) {

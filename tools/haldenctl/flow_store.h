@@ -36,7 +36,8 @@ enum class add_result : uint8_t { added, counted, no_info_row, no_room, refused 
 
 class flow_store {
   public:
-    explicit flow_store(opened_tables &tables) : tables_(tables), refusals_(*tables) {}
+    // Throws failure when the flows cannot be read: there may be any.
+    explicit flow_store(opened_tables &tables);
 
     // Makes the flow if it is not there, and adds to its counts.
     add_result add(const packets::flow &f, const flow_counts &counts);

@@ -13,6 +13,7 @@
 #include "tools/haldenctl/failure.h"
 #include "tools/haldenctl/naming.h"
 #include "tools/haldenctl/screen.h"
+#include "tools/haldenctl/troubles.h"
 
 namespace {
 
@@ -157,5 +158,6 @@ exit_status run(int argc, char **argv) {
 int main(int argc, char **argv) {
     std::signal(SIGBUS, report_lost_memory);
     std::signal(SIGXFSZ, SIG_IGN);  // the call that grows a file too far fails and is reported
-    return static_cast<int>(run(argc, argv));
+    const exit_status status = run(argc, argv);
+    return static_cast<int>(halden::tool::trouble_was_met ? exit_status::adapter : status);
 }

@@ -82,7 +82,11 @@ failure refusals::reason(table_call call, const records &entry, uint32_t index) 
         return failure("there is none", exit_status::missed);
     if (create && found == TEV_TBL_RET_ENTRY_NOT_FOUND)
         if (const std::string text = no_room_for(entry); !text.empty()) return failure(text);
-    return failure("the adapter refused it; --log-level error says why", exit_status::adapter);
+    // What is wrong with the memory is said when the adapter is closed.
+    return failure(adapter_->troubles().empty()
+                       ? "the adapter refused it; --log-level error says why"
+                       : "memory that it needs cannot be read",
+                   exit_status::adapter);
 }
 
 }  // namespace halden::tool

@@ -9,7 +9,8 @@
 //                       "its row is taken and vlan_mapping_otcam is full: ..."         refused
 //     update, remove,   "there is none"                                                missed
 //     find
-//     every one         "the adapter refused it; --log-level error says why"           adapter
+//     every one         "memory that it needs cannot be read"                          adapter
+//                       "the adapter refused it; --log-level error says why"           adapter
 
 #include "tools/haldenctl/failure.h"
 #include "tools/haldenctl/table_calls.h"
