@@ -2,6 +2,9 @@
 
 #include "sdk/trace.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <spdlog/logger.h>
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
@@ -70,6 +73,10 @@ class sink {
             to_stderr();
             return true;
         }
+        // spdlog would make the directories that are missing in front of the file.
+        const int there = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+        if (there < 0) return false;
+        close(there);
         try {
             use(std::make_shared<spdlog::sinks::basic_file_sink_mt>(path));
             return true;

@@ -18,8 +18,8 @@ namespace halden::host::trace {
 // False, and nothing changed, for a name that is no level.
 bool set_level(std::string_view name);
 void set_pattern(const std::string &pattern);
-// False, and nothing changed, when the file cannot be opened for appending. An empty path goes back
-// to standard error.
+// False, and nothing changed, when the file cannot be opened for appending; a directory that is
+// missing in front of it is not made. An empty path goes back to standard error.
 bool set_file(const std::string &path);
 // Returns when everything logged so far has reached the file.
 void flush();
