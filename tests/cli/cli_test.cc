@@ -66,6 +66,10 @@ TEST(transcript, dots_stand_for_any_lines) {
     EXPECT_TRUE(matches({"..."}, {}));
     EXPECT_FALSE(matches({"a", "...", "d"}, {"a", "b"}));
     EXPECT_FALSE(matches({"a"}, {"a", "b"}));
+    EXPECT_TRUE(matches({"in [...] s"}, {"in 0.1 s"}));
+    EXPECT_FALSE(matches({"in [...] s"}, {"in 0.1 m"}));
+    EXPECT_FALSE(matches({"in [...] s"}, {"on 0.1 s"}));
+    EXPECT_FALSE(matches({"ab[...]ba"}, {"aba"}));
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 //     2> haldenctl: no table 'nothing'       lines of standard error
 //     => 1                                   the exit status when it is not 0
 //     ...                                    any number of lines
+//     imported in [...] s                    any text within a line
 //
 // The commands run one after the other, by the shell, in one directory of their own; $EXAMPLES is
 // the directory of the examples.

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <stdexcept>
@@ -25,9 +27,19 @@ class Capture : public testing::Test {
                    static_cast<std::streamsize>(content.size()));
         return path(name);
     }
+    static capture_result read_file(const std::string &file,
+                                    const std::function<void(const captured &)> &each) {
+        std::ifstream in(file, std::ios::binary);
+        return read_capture(
+            [&](char *to, size_t most) {
+                in.read(to, static_cast<std::streamsize>(most));
+                return static_cast<size_t>(in.gcount());
+            },
+            each);
+    }
     static std::string refusal(const std::string &file) {
         try {
-            read_capture(file, [](const captured &) {});
+            read_file(file, [](const captured &) {});
         } catch (const std::runtime_error &e) {
             return e.what();
         }
@@ -48,7 +60,7 @@ bytes one_packet(uint8_t link_type) {
 
 TEST_F(Capture, ReadsPcap) {
     int packets = 0;
-    const auto result = read_capture(write("a.pcap", one_packet(1)), [&](const captured &p) {
+    const auto result = read_file(write("a.pcap", one_packet(1)), [&](const captured &p) {
         ++packets;
         EXPECT_THAT(bytes(p.bytes.begin(), p.bytes.end()), testing::ElementsAre(9, 8, 7, 6));
         EXPECT_EQ(p.wire_length, 60u);
@@ -69,7 +81,7 @@ TEST_F(Capture, ReadsPcapng) {
         0,    36,   0,    0,    0,    0,    0,    0,  0,    0,    0,    0,    0,  5, 0, 0,  0,
         4,    0,    0,    0,    60,   0,    0,    0,  9,    8,    7,    6,    36, 0, 0, 0};
     int packets = 0;
-    read_capture(write("a.pcapng", file), [&](const captured &p) {
+    read_file(write("a.pcapng", file), [&](const captured &p) {
         ++packets;
         EXPECT_THAT(bytes(p.bytes.begin(), p.bytes.end()), testing::ElementsAre(9, 8, 7, 6));
         EXPECT_EQ(p.microseconds, 5u);
@@ -79,13 +91,14 @@ TEST_F(Capture, ReadsPcapng) {
 
 TEST_F(Capture, TellsRawIpFromEthernet) {
     const bytes raw_ip = one_packet(101);
-    read_capture(write("raw.pcap", raw_ip),
-                 [](const captured &p) { EXPECT_EQ(p.kind, link_type::raw_ip); });
+    read_file(write("raw.pcap", raw_ip),
+              [](const captured &p) { EXPECT_EQ(p.kind, link_type::raw_ip); });
 }
 
 TEST_F(Capture, RefusesWhatIsNoCapture) {
-    EXPECT_THAT(refusal(path("absent.pcap")), HasSubstr("absent.pcap: No such file or directory"));
-    EXPECT_THAT(refusal(write("text.pcap", bytes(100, 'x'))), HasSubstr("text.pcap: "));
+    EXPECT_EQ(refusal(write("text.pcap", bytes(100, 'x'))), "unknown file format");
+    EXPECT_EQ(refusal(write("empty.pcap", {})),
+              "truncated dump file; tried to read 4 file header bytes, only got 0");
     EXPECT_THAT(refusal(write("radio.pcap", one_packet(105))),
                 HasSubstr("packets of link type IEEE802_11; Ethernet (EN10MB) and raw IP (RAW) are "
                           "read"));
@@ -96,9 +109,55 @@ TEST_F(Capture, DeliversThePacketsInFrontOfACut) {
     const bytes again(file.begin() + 24, file.end());
     file.insert(file.end(), again.begin(), again.end() - 2);
     int packets = 0;
-    const auto result = read_capture(write("cut.pcap", file), [&](const captured &) { ++packets; });
+    const auto result = read_file(write("cut.pcap", file), [&](const captured &) { ++packets; });
     EXPECT_EQ(packets, 1);
-    EXPECT_THAT(result.cut_short, HasSubstr("truncated"));
+    EXPECT_EQ(result.packets, 1u);
+    EXPECT_EQ(result.cut_short,
+              "packet 2, at byte 44: truncated dump file; tried to read 4 captured bytes, only got "
+              "2");
+}
+
+TEST_F(Capture, SaysWhereALengthCannotBe) {
+    bytes file = one_packet(1);
+    const bytes again(file.begin() + 24, file.end());
+    file.insert(file.end(), again.begin(), again.end());
+    for (size_t n = 0; n < 4; ++n) file[44 + 8 + n] = 0xff;
+    const auto result = read_file(write("long.pcap", file), [](const captured &) {});
+    EXPECT_EQ(result.packets, 1u);
+    EXPECT_EQ(result.cut_short,
+              "packet 2, at byte 44: invalid packet capture length 4294967295, bigger than snaplen "
+              "of 262144");
+}
+
+// Seconds are 32 bits without a sign; a packet cannot be more than 999999 microseconds into one.
+TEST_F(Capture, TellsTimesFromWhatIsNone) {
+    const auto time = [&](std::array<uint8_t, 8> stamp) {
+        bytes file = one_packet(1);
+        std::copy(stamp.begin(), stamp.end(), file.begin() + 24);
+        std::optional<uint64_t> out;
+        read_file(write("time.pcap", file), [&](const captured &p) { out = p.microseconds; });
+        return out;
+    };
+    EXPECT_EQ(time({0xff, 0xff, 0xff, 0xff, 1, 0, 0, 0}), 4294967295000001u);
+    EXPECT_EQ(time({0, 0, 0, 0x80, 0, 0, 0, 0}), 2147483648000000u);
+    EXPECT_EQ(time({1, 0, 0, 0, 0x3f, 0x42, 0x0f, 0}), 1999999u);
+    EXPECT_EQ(time({1, 0, 0, 0, 0x40, 0x42, 0x0f, 0}), std::nullopt);
+    EXPECT_EQ(time({1, 0, 0, 0, 0xff, 0xff, 0xff, 0xff}), std::nullopt);
+}
+
+TEST_F(Capture, HandsOnWhatTheSourceThrows) {
+    const bytes file = one_packet(1);
+    size_t calls = 0;
+    const auto source = [&](char *to, size_t) -> size_t {
+        if (calls++ != 0) throw std::logic_error("enough");
+        std::copy(file.begin(), file.end(), to);
+        return file.size();
+    };
+    int packets = 0;
+    EXPECT_THROW(read_capture(source, [&](const captured &) { ++packets; }), std::logic_error);
+    EXPECT_EQ(packets, 1);
+    calls = 1;
+    EXPECT_THROW(read_capture(source, [](const captured &) {}), std::logic_error);
 }
 
 TEST_F(Capture, TrafficReadsBackAsFlowsInBothDirections) {
@@ -111,12 +170,12 @@ TEST_F(Capture, TrafficReadsBackAsFlowsInBothDirections) {
     std::map<std::string, uint64_t> flows;
     bool seen_vlan = false, seen_vni = false, seen_v6 = false;
     uint64_t last = 0;
-    const auto result = read_capture(path("traffic.pcap"), [&](const captured &p) {
+    const auto result = read_file(path("traffic.pcap"), [&](const captured &p) {
         const auto [v, f, type] = dissect(p.bytes, p.kind);
         ++seen[v];
         EXPECT_EQ(type, v == verdict::not_ip ? 0x0806 : 0) << "only ARP";
-        EXPECT_GE(p.microseconds, last);
-        last = p.microseconds;
+        EXPECT_GE(p.microseconds.value(), last);
+        last = p.microseconds.value();
         if (v != verdict::flow_found) return;
         ++flows[flow_text(f) + " " + std::to_string(f.source_port)];
         seen_vlan |= f.vlan != 0;
@@ -151,4 +210,43 @@ TEST_F(Capture, AFileThatCannotBeMadeIsRefused) {
     } catch (const std::runtime_error &e) {
         EXPECT_THAT(e.what(), HasSubstr("no/such/directory.pcap: No such file or directory"));
     }
+}
+
+// What stood there before an attempt that failed stands there after it, and nothing else does.
+TEST_F(Capture, AFileGetsItsNameWhenItIsWhole) {
+    const std::string file = write("traffic.pcap", {'o', 'l', 'd'});
+    const auto content = [&] {
+        std::ifstream in(file, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    };
+    const auto names = [&] {
+        const std::filesystem::directory_iterator first(std::filesystem::path(file).parent_path());
+        return std::distance(first, {});
+    };
+    {
+        capture_writer out(file);
+        make_traffic(out, 500, 1);
+        EXPECT_EQ(content(), "old");
+        EXPECT_EQ(names(), 2);
+    }
+    EXPECT_EQ(content(), "old");
+    EXPECT_EQ(names(), 1);
+    {
+        capture_writer out(file);
+        out.close();
+    }
+    EXPECT_EQ(content().size(), 24u);
+    EXPECT_EQ(names(), 1);
+}
+
+TEST_F(Capture, AFullDiskIsMetEarly) {
+    capture_writer out("/dev/full");
+    uint64_t rounds = 0;
+    try {
+        make_traffic(out, 1000000, 1, [&] { ++rounds; });
+        FAIL() << "written";
+    } catch (const std::runtime_error &e) {
+        EXPECT_STREQ(e.what(), "/dev/full: No space left on device");
+    }
+    EXPECT_LT(rounds, 100u);
 }

@@ -10,6 +10,7 @@
 #include "tools/haldenctl/apply_steps.h"
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/interrupt.h"
 #include "tools/haldenctl/screen.h"
 #include "tools/haldenctl/table_calls.h"
 
@@ -79,6 +80,8 @@ class application {
     // and tries the rest, without a word on each: which of them find no room is worth knowing.
     template <class Steps>
     void carry_out(const planned_entry &p, Steps &steps, progress &shown) {
+        if (told_to_stop()) stop(wanted_.path + ": " + applied_so_far(done_));
+        note_done(done_);
         try {
             const step s = steps.carry_out(p);
             shown.at(++tried_);
@@ -92,7 +95,7 @@ class application {
                 return;
             }
             const failure here = error.inside(p.given->place);
-            const failure whole(here.what() + ("; " + applied_so_far()), here.status());
+            const failure whole(here.what() + ("; " + applied_so_far(done_ + 1)), here.status());
             if (!wanted_.dry || here.status() != exit_status::refused) throw whole;
             refusal_ = whole;
         }
@@ -119,8 +122,8 @@ class application {
     static std::string entries_text(const std::vector<size_t> &numbers) {
         return (numbers.size() == 1 ? "entry " : "entries ") + ranges_of(numbers);
     }
-    // "entries 1 to 5 were applied, entry 7 was not"
-    std::string applied_so_far() const {
+    // "entries 1 to 5 were applied, entry 7 was not"; those from `rest` on were not tried.
+    std::string applied_so_far(size_t rest) const {
         if (done_ == 0)
             return std::string("nothing of the file ") + (wanted_.dry ? "would be" : "was") +
                    " applied";
@@ -133,7 +136,7 @@ class application {
                                                           : " were");
         };
         std::string out = numbers(0, done_) + (wanted_.dry ? " be applied" : " applied");
-        if (done_ + 1 < work_.size()) out += ", " + numbers(done_ + 1, work_.size()) + " not";
+        if (rest < work_.size()) out += ", " + numbers(rest, work_.size()) + " not";
         return out;
     }
 

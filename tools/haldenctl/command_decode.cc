@@ -84,6 +84,11 @@ std::string program_name(const table &t, const raw_entry &raw) {
 
 void explain(const table &t, const raw_entry &raw) {
     const auto runs = runs_of(t, raw);
+    if (runs.empty())
+        throw failure("--entry: " + std::to_string(raw.bits) +
+                          " bits were given, and no field of the " +
+                          (raw.y.empty() ? "row" : "key image") + " ends within them",
+                      exit_status::usage);
     const auto range = [](const run &r) {
         return std::to_string(r.first) +
                (r.bits > 1 ? "-" + std::to_string(r.first + r.bits - 1) : "");
@@ -113,7 +118,6 @@ void explain(const table &t, const raw_entry &raw) {
                 c);
     }
     std::cout << out.text() << "\n" << drawing(runs, 0, &raw.entry);
-    if (runs.empty()) return;
     const unsigned end = runs.back().first + runs.back().bits;
     if (end < row_bits(t) && raw.y.empty())
         std::cout << "the row has " << row_bits(t) << " bits; fields from bit " << end

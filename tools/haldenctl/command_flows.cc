@@ -13,6 +13,7 @@
 #include "tools/haldenctl/flow_import.h"
 #include "tools/haldenctl/flow_store.h"
 #include "tools/haldenctl/flow_words.h"
+#include "tools/haldenctl/interrupt.h"
 #include "tools/haldenctl/screen.h"
 #include "tools/packets/capture.h"
 #include "tools/packets/traffic.h"
@@ -121,7 +122,12 @@ void remove(const options &given, const flow_filter_options &wanted, bool all) {
     if (flows.empty() && left_over == 0)
         throw failure("no flow matches; `haldenctl flows list` shows them", exit_status::missed);
     named_flows refused, data_left;
+    size_t done = 0;
     for (const listed_flow &f : flows) {
+        if (told_to_stop())
+            stop(std::to_string(done - refused.count()) + " of " +
+                 counted(flows.size(), "flow", "flows") + " were deleted");
+        note_done(done++);
         const remove_result result = store.remove(f);
         if (result == remove_result::refused) refused.add(f.name);
         if (result == remove_result::data_left) data_left.add(f.name);
@@ -188,14 +194,22 @@ struct generate_options {
 };
 
 void generate(const generate_options &wanted) {
+    const bool to_standard_output = wanted.path == "-";
+    const std::string name = to_standard_output ? "standard output" : wanted.path;
     try {
         packets::capture_writer out(wanted.path);
-        const packets::traffic_made made = packets::make_traffic(out, wanted.packets, wanted.seed);
+        const packets::traffic_made made =
+            packets::make_traffic(out, wanted.packets, wanted.seed, [&] {
+                if (told_to_stop()) stop(name + ": the capture is not whole");
+            });
         out.close();
-        std::cout << wanted.path << ": " << counted(made.packets, "packet", "packets") << " of "
-                  << counted(made.conversations, "conversation", "conversations") << ", "
-                  << counted(made.other_frames, "frame", "frames") << " of other kinds\n";
+        // The capture's stream is not for words.
+        (to_standard_output ? std::cerr : std::cout)
+            << printable(name) << ": " << counted(made.packets, "packet", "packets") << " of "
+            << counted(made.conversations, "conversation", "conversations") << ", "
+            << counted(made.other_frames, "frame", "frames") << " of other kinds\n";
     } catch (const std::runtime_error &error) {
+        stop_if_told();  // a write that a signal cut short
         throw failure(error.what(), exit_status::adapter);
     }
 }
@@ -209,7 +223,7 @@ void add_flows(CLI::App &app, const options &given) {
     CLI::App *command = flows->add_subcommand(
         "import", "Every flow of a capture (pcap, pcapng) into flow, flow_info and ipfix_ingress");
     auto path = std::make_shared<std::string>();
-    command->add_option("CAPTURE", *path, "Ethernet or raw IP")->required();
+    command->add_option("CAPTURE", *path, "Ethernet or raw IP; - is standard input")->required();
     command->callback([&given, path] {
         opened_tables tables(given, host::access::create);
         import_flows(tables, *path);
@@ -253,7 +267,10 @@ void add_flows(CLI::App &app, const options &given) {
     command->add_option("N", made->packets, "About so many packets")
         ->required()
         ->transform(number_between(1, 1000000000));
-    command->add_option("CAPTURE", made->path, "The file, pcap")->required();
+    command
+        ->add_option("CAPTURE", made->path,
+                     "The file, pcap; it gets its name when it is whole. - is standard output")
+        ->required();
     command->add_option("--seed", made->seed, "The same packets for the same seed")
         ->transform(number_between(0, ~uint32_t{0}))
         ->capture_default_str();

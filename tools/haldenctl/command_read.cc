@@ -12,6 +12,7 @@
 #include "tools/haldenctl/entry_file.h"
 #include "tools/haldenctl/entry_text.h"
 #include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/interrupt.h"
 #include "tools/haldenctl/raw_entry.h"
 #include "tools/haldenctl/screen.h"
 #include "tools/haldenctl/table_calls.h"
@@ -166,6 +167,7 @@ class dump_printer {
 void dump_table(host::adapter &adapter, const table &t, dump_printer &out) {
     for (uint32_t row = adapter.next_used(t.id, 0); row < adapter.depth(t.id);
          row = adapter.next_used(t.id, row + 1)) {
+        stop_if_told();
         std::optional<records> entry;
         try {
             entry = read_back(adapter, t, row);

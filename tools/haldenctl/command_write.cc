@@ -14,6 +14,7 @@
 #include "tools/haldenctl/entry_file.h"
 #include "tools/haldenctl/failure.h"
 #include "tools/haldenctl/given_entry.h"
+#include "tools/haldenctl/interrupt.h"
 #include "tools/haldenctl/row_writer.h"
 #include "tools/haldenctl/screen.h"
 
@@ -150,6 +151,10 @@ void write(const opened_adapter &adapter, const std::string &path, bool quiet) {
     std::set<uint32_t> tables_seen;
     size_t number = 0;
     for (const placed &p : places) {
+        if (told_to_stop())
+            stop(path + ": " + std::to_string(number) + " of its " +
+                 count_of(places.size(), "entry", "entries") + " were written");
+        note_done(number);
         const std::string damage = adapter->damage_of(p.given->entry.of->id, p.row);
         if (!damage.empty())
             std::cerr << "haldenctl: " << printable(damage) << ", and is written anew\n";

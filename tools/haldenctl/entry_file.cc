@@ -3,6 +3,7 @@
 #include "tools/haldenctl/adapter_view.h"
 #include "tools/haldenctl/given_entry.h"
 #include "tools/haldenctl/input_file.h"
+#include "tools/haldenctl/interrupt.h"
 #include "tools/haldenctl/naming.h"
 
 namespace halden::tool {
@@ -170,8 +171,13 @@ std::vector<file_entry> read_entries(std::istream &in, const std::string &name) 
 
 std::vector<file_entry> read_entry_file(const std::string &path) {
     const bool standard_input = path == "-";
-    const input_file file = standard_input ? input_file::standard_input() : input_file(path);
-    return entries_of([&file](char *to, size_t most) { return file.read(to, most); }, file.name());
+    try {
+        const input_file file = standard_input ? input_file::standard_input() : input_file(path);
+        return entries_of([&file](char *to, size_t most) { return file.read(to, most); },
+                          file.name());
+    } catch (const stopped &) {
+        stop((standard_input ? "standard input" : path) + ": nothing of it was done");
+    }
 }
 
 json to_json(const records &entry, uint32_t index) {

@@ -1,6 +1,7 @@
 #include "tools/haldenctl/flow_import.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iostream>
 #include <map>
 #include <unordered_map>
@@ -11,6 +12,8 @@
 #include "tools/haldenctl/failure.h"
 #include "tools/haldenctl/flow_store.h"
 #include "tools/haldenctl/flow_words.h"
+#include "tools/haldenctl/input_file.h"
+#include "tools/haldenctl/interrupt.h"
 #include "tools/packets/capture.h"
 
 namespace halden::tool {
@@ -30,17 +33,27 @@ struct seen_packets {
     // Packets without a flow, by why they have none and the type of what is no IP.
     std::map<std::pair<packets::verdict, uint16_t>, uint64_t> unread;
     uint64_t packets = 0, bytes = 0;
+    uint64_t timed = 0;                       // packets with a time
     uint64_t first = ~uint64_t{0}, last = 0;  // microseconds
     std::string cut_short;
 };
 
-seen_packets read_packets(const std::string &path) {
+uint32_t seconds_of(const packets::captured &packet) {
+    return static_cast<uint32_t>(packet.microseconds.value_or(0) / 1000000);
+}
+
+seen_packets read_packets(const input_file &file) {
     seen_packets out;
-    const auto result = packets::read_capture(path, [&](const packets::captured &packet) {
+    const auto source = [&](char *to, size_t most) { return file.read(to, most); };
+    const auto result = packets::read_capture(source, [&](const packets::captured &packet) {
+        stop_if_told();
         ++out.packets;
         out.bytes += packet.wire_length;
-        out.first = std::min(out.first, packet.microseconds);
-        out.last = std::max(out.last, packet.microseconds);
+        if (packet.microseconds) {
+            ++out.timed;
+            out.first = std::min(out.first, *packet.microseconds);
+            out.last = std::max(out.last, *packet.microseconds);
+        }
         const packets::dissected found = packets::dissect(packet.bytes, packet.kind);
         if (found.v != packets::verdict::flow_found) {
             ++out.unread[{found.v, found.type}];
@@ -50,8 +63,7 @@ seen_packets read_packets(const std::string &path) {
         if (fresh) out.in_order.push_back(&at->first);
         ++at->second.packets;
         at->second.bytes += packet.wire_length;
-        at->second.last_seen =
-            std::max(at->second.last_seen, static_cast<uint32_t>(packet.microseconds / 1000000));
+        at->second.last_seen = std::max(at->second.last_seen, seconds_of(packet));
     });
     out.cut_short = result.cut_short;
     return out;
@@ -80,36 +92,52 @@ void print_unread(const seen_packets &seen) {
                   << " other kinds\n";
 }
 
-void print_packets(const std::string &path, const seen_packets &seen) {
-    std::cout << path << ": " << counted(seen.packets, "packet", "packets") << ", "
+std::string tenths_text(uint64_t tenths) {
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " s";
+}
+
+void print_packets(const std::string &name, const seen_packets &seen) {
+    std::cout << printable(name) << ": " << counted(seen.packets, "packet", "packets") << ", "
               << counted(seen.bytes, "byte", "bytes");
-    if (seen.packets > 1) {
-        const uint64_t tenths = (seen.last - seen.first) / 100000;
-        std::cout << ", " << tenths / 10 << "." << tenths % 10 << " s";
-    }
+    if (seen.timed > 1)
+        std::cout << ", captured over " << tenths_text((seen.last - seen.first) / 100000);
     std::cout << "\n";
+    if (const uint64_t rest = seen.packets - seen.timed; rest != 0)
+        std::cout << "  " << counted(rest, "packet", "packets")
+                  << " with an impossible time, which is left out\n";
     print_unread(seen);
+}
+
+seen_packets packets_of(const std::string &path, const std::string &name) {
+    try {
+        const input_file file = path == "-" ? input_file::standard_input() : input_file(path);
+        try {
+            return read_packets(file);
+        } catch (const std::runtime_error &error) {
+            throw failure(name + ": " + error.what());
+        }
+    } catch (const stopped &) {
+        stop(name + ": nothing of it was imported");
+    }
 }
 
 }  // namespace
 
 void import_flows(opened_tables &tables, const std::string &path) {
-    seen_packets seen;
-    try {
-        seen = read_packets(path);
-    } catch (const std::runtime_error &error) {
-        throw failure(error.what());
-    }
-    print_packets(path, seen);
-    if (!seen.cut_short.empty())
-        std::cerr << "haldenctl: " << path << ": the rest cannot be read: " << seen.cut_short
-                  << "\n";
+    const auto begin = std::chrono::steady_clock::now();
+    const std::string name = path == "-" ? "standard input" : path;
+    const seen_packets seen = packets_of(path, name);
+    print_packets(name, seen);
 
     flow_store store(tables);
-    uint64_t added = 0, known = 0;
+    uint64_t added = 0, known = 0, done = 0;
     named_flows refused, without_row, without_room;
     for (const packets::flow *f : seen.in_order) {
-        switch (store.add(*f, seen.flows[*f])) {
+        if (told_to_stop())
+            stop(name + ": " + std::to_string(done) + " of its " +
+                 counted(seen.in_order.size(), "flow", "flows") + " were imported");
+        note_done(done++);
+        switch (store.add(*f, seen.flows.at(*f))) {
             case add_result::added:
                 ++added;
                 break;
@@ -127,17 +155,24 @@ void import_flows(opened_tables &tables, const std::string &path) {
                 break;
         }
     }
+    using tenths = std::chrono::duration<uint64_t, std::deci>;
+    const auto taken = std::chrono::duration_cast<tenths>(std::chrono::steady_clock::now() - begin);
     const uint64_t left = refused.count() + without_row.count() + without_room.count();
     std::cout << "  " << counted(seen.in_order.size(), "flow", "flows") << ": " << added << " new, "
               << known << " known" << (left == 0 ? "" : ", " + std::to_string(left) + " refused")
               << "\n"
               << counted(sdk::table::ftl_access::count(*tables.tables().flow_tbl()), "flow",
                          "flows")
-              << " in the flow table of " << tables.adapter().name() << "\n";
+              << " in the flow table of " << tables.adapter().name() << ", imported in "
+              << tenths_text(taken.count()) << "\n";
     std::string why;
+    if (!seen.cut_short.empty())
+        why = seen.cut_short + "; " + counted(seen.packets, "packet", "packets") + " before it " +
+              (seen.packets == 1 ? "was" : "were") + " imported";
     if (refused.count() != 0)
-        why = "the adapter refused " + counted(refused.count(), "flow", "flows") + ": " +
-              refused.text() + "; --log-level error says why";
+        why += (why.empty() ? "" : "; ") + std::string("the adapter refused ") +
+               counted(refused.count(), "flow", "flows") + ": " + refused.text() +
+               "; --log-level error says why";
     if (without_room.count() != 0)
         why += (why.empty() ? "" : "; ") + std::string("flow has no room for ") +
                counted(without_room.count(), "flow", "flows") + ": " + without_room.text() +
@@ -146,7 +181,7 @@ void import_flows(opened_tables &tables, const std::string &path) {
         why += (why.empty() ? "" : "; ") + std::string("flow_info has no free row for ") +
                counted(without_row.count(), "flow", "flows") + ": " + without_row.text();
     if (!why.empty())
-        throw failure(path + ": " + why,
+        throw failure(name + ": " + why,
                       refused.count() != 0 ? exit_status::adapter : exit_status::refused);
 }
 

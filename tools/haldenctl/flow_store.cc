@@ -5,6 +5,7 @@
 #include "ftl/flow_hash_entry.h"
 #include "host/engines/flow/ftl_access.h"
 #include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/interrupt.h"
 
 namespace halden::tool {
 
@@ -53,8 +54,10 @@ bool flow_store::next_free_index(uint32_t &index) {
 void flow_store::for_each_left_over(const std::function<void(uint32_t index)> &see) {
     const uint32_t rows = (*tables_).depth(flow_info_table);
     for (uint32_t row = (*tables_).next_used(flow_info_table, 1); row < rows;
-         row = (*tables_).next_used(flow_info_table, row + 1))
+         row = (*tables_).next_used(flow_info_table, row + 1)) {
+        stop_if_told();
         if (is_left_over(row)) see(row);
+    }
 }
 
 uint32_t flow_store::count_left_over() {
@@ -111,8 +114,9 @@ remove_result flow_store::remove(const stored_flow &f) {
 void flow_store::for_each(const std::function<void(const stored_flow &, uint32_t path)> &see) {
     ftl_access::for_each(*tables_.tables().flow_tbl(), [&](const ftl_access::stored_flow &entry) {
         if (const auto f = flow_at(*tables_, entry.table, entry.row)) see(*f, entry.path);
-        return true;
+        return !told_to_stop();
     });
+    stop_if_told();
 }
 
 std::optional<stored_flow> flow_at(host::adapter &adapter, uint32_t table, uint32_t row) {

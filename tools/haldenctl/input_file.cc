@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/interrupt.h"
 
 namespace halden::tool {
 
@@ -19,9 +20,11 @@ std::string cannot_be_read(int error) {
 }  // namespace
 
 input_file::input_file(const std::string &path) : name_(path) {
-    do descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    while (descriptor_ < 0 && errno == EINTR);
-    if (descriptor_ < 0) throw failure(path + ": " + cannot_be_read(errno));
+    // A named pipe that nobody writes to makes this wait.
+    while ((descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC)) < 0) {
+        if (errno != EINTR) throw failure(path + ": " + cannot_be_read(errno));
+        stop_if_told();
+    }
 }
 
 input_file input_file::standard_input() { return {STDIN_FILENO, "standard input"}; }
@@ -32,6 +35,7 @@ input_file::~input_file() {
 
 size_t input_file::read(char *to, size_t most) const {
     for (;;) {
+        wait_for_input(descriptor_);
         const ssize_t got = ::read(descriptor_, to, most);
         if (got >= 0) return static_cast<size_t>(got);
         if (errno != EINTR) throw failure(cannot_be_read(errno));

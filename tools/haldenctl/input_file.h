@@ -1,7 +1,7 @@
 #pragma once
 
 // A file that a command reads, by its descriptor: a failure says why it cannot be read, and a read
-// that waits for more ends when the command is told to.
+// that waits for more stops when a signal comes.
 
 #include <cstddef>
 #include <string>

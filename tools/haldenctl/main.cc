@@ -4,15 +4,19 @@
 
 #include <unistd.h>
 
-#include <csignal>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
+#include <new>
 
 #include "host/trace/trace.h"
 #include "tools/haldenctl/commands.h"
 #include "tools/haldenctl/failure.h"
+#include "tools/haldenctl/interrupt.h"
 #include "tools/haldenctl/naming.h"
 #include "tools/haldenctl/screen.h"
+#include "tools/haldenctl/standard_streams.h"
 #include "tools/haldenctl/troubles.h"
 
 namespace {
@@ -28,35 +32,52 @@ constexpr const char *exit_statuses =
     "its memory is damaged, a call was refused, the disk is full, memory has run out; 128 + n\n"
     "ended by signal n.";
 
-// What was wrong with the command line. A command that does not exist is called by its name.
-std::string misunderstanding(const CLI::App &app, const CLI::ParseError &error) {
-    const std::vector<std::string> rest = app.remaining();
-    if (!app.get_subcommands().empty() || rest.empty() || rest[0].starts_with('-'))
-        return error.what();
-    std::vector<std::string> names;
-    for (const CLI::App *command : app.get_subcommands({})) names.push_back(command->get_name());
-    return halden::tool::unknown("command", rest[0], {names.begin(), names.end()});
+// The commands below `at`, or its options by their long names.
+std::vector<std::string> names_below(const CLI::App &at, bool options) {
+    std::vector<std::string> out;
+    for (const CLI::App *level = &at; options && level != nullptr; level = level->get_parent())
+        for (const CLI::Option *option : level->get_options())
+            for (const std::string &name : option->get_lnames())
+                if (name != "help" || level == &at) out.push_back("--" + name);
+    if (!options)
+        for (const CLI::App *command : at.get_subcommands({})) out.push_back(command->get_name());
+    return out;
 }
 
-// A page of a memory file that the disk has no room for is only missed when it is written to.
-extern "C" void report_lost_memory(int) {
-    constexpr char text[] =
-        "haldenctl: the adapter's memory could not be written or read; is its disk full?\n";
-    (void)!write(STDERR_FILENO, text, sizeof text - 1);
-    _exit(static_cast<int>(exit_status::adapter));
+// What was wrong with the command line. A command or an option that does not exist is called by its
+// name, at whatever level.
+std::string misunderstanding(const CLI::App &app, const CLI::ParseError &error) {
+    using halden::tool::unknown;
+    const CLI::App *at = &app;
+    while (!at->get_subcommands().empty()) at = at->get_subcommands().back();
+    const std::vector<std::string> rest = app.remaining(true);
+    if (rest.empty()) return error.what();
+    const std::string given = rest[0].substr(0, rest[0].find('='));
+    const bool option = given.starts_with("--");
+    const std::vector<std::string> names = names_below(*at, option);
+    if ((!option && given.starts_with('-')) || names.empty()) return error.what();
+    const std::string text =
+        unknown(option ? "option" : "command", given, {names.begin(), names.end()});
+    return at == &app ? text : at->get_name() + ": " + text;
 }
 
 // The status at the end of a command: what was printed may not have gone out.
 exit_status ended(exit_status status) {
     std::cout.flush();
     if (std::cout) return status;
-    std::cerr << "haldenctl: standard output cannot be written\n";
+    // A reader that has gone is told by the signal.
+    if (halden::tool::signal_received() == 0)
+        std::cerr << "haldenctl: standard output cannot be written\n";
     return exit_status::adapter;
 }
 
-}  // namespace
-
-namespace {
+exit_status failed(const std::string &why, exit_status status) {
+    std::cout.flush();
+    // Put together first, so that it comes out whole or not at all.
+    const std::string line = "haldenctl: " + halden::tool::printable(why) + "\n";
+    std::cerr << line;
+    return status;
+}
 
 exit_status run(int argc, char **argv) {
     using namespace halden;
@@ -109,8 +130,10 @@ exit_status run(int argc, char **argv) {
                                     "' is no level; allowed: trace, debug, info, warning, error, "
                                     "critical, off",
                                 exit_status::usage);
+        errno = 0;
         if (!log_file.empty() && !host::trace::set_file(log_file))
-            throw tool::failure("--log-file: " + log_file + " cannot be opened for appending",
+            throw tool::failure("--log-file: " + log_file +
+                                    " cannot be opened for appending: " + std::strerror(errno),
                                 exit_status::usage);
     });
     app.footer("`haldenctl COMMAND --help` says more about a command.\n\n" +
@@ -139,25 +162,47 @@ exit_status run(int argc, char **argv) {
             app.exit(error);
             return ended(exit_status::done);
         }
-        std::cerr << "haldenctl: " << tool::printable(misunderstanding(app, error))
-                  << "; `haldenctl --help` says more\n";
-        return exit_status::usage;
-    } catch (const tool::failure &error) {
-        std::cout.flush();
-        std::cerr << "haldenctl: " << tool::printable(error.what()) << "\n";
-        return error.status();
+        const std::string why = misunderstanding(app, error);
+        return failed(why + (why.ends_with('?') ? " " : "; ") + "`haldenctl --help` says more",
+                      exit_status::usage);
+    }
+}
+
+// At once, wherever it is: half of a stream's output would be taken for the whole, and an engine
+// that cannot be made is the end in any case. The adapter is left as by a kill, which it is made
+// for.
+[[noreturn]] void end_without_memory() {
+    constexpr char text[] = "haldenctl: out of memory\n";
+    (void)!write(STDERR_FILENO, text, sizeof text - 1);
+    _exit(static_cast<int>(exit_status::adapter));
+}
+
+// Turns whatever ends a command into its status.
+exit_status run_to_the_end(int argc, char **argv) {
+    using namespace halden::tool;
+    try {
+        return run(argc, argv);
+    } catch (const failure &error) {
+        return failed(error.what(), error.status());
+    } catch (const stopped &early) {
+        if (early.done.empty()) return ended(exit_status::adapter);
+        const std::string why =
+            signal_received() != 0 ? "interrupted" : "standard output cannot be written";
+        return failed(why + ": " + early.done, exit_status::adapter);
+    } catch (const std::bad_alloc &) {  // of memory that is not C++'s own
+        end_without_memory();
     } catch (const std::exception &error) {
-        std::cout.flush();
-        std::cerr << "haldenctl: " << tool::printable(error.what()) << "\n";
-        return exit_status::adapter;
+        return failed(error.what(), exit_status::adapter);
     }
 }
 
 }  // namespace
 
 int main(int argc, char **argv) {
-    std::signal(SIGBUS, report_lost_memory);
-    std::signal(SIGXFSZ, SIG_IGN);  // the call that grows a file too far fails and is reported
-    const exit_status status = run(argc, argv);
-    return static_cast<int>(halden::tool::trouble_was_met ? exit_status::adapter : status);
+    using namespace halden::tool;
+    std::set_new_handler(end_without_memory);
+    if (!fill_standard_streams() || !watch_signals()) return static_cast<int>(exit_status::adapter);
+    const exit_status status = run_to_the_end(argc, argv);
+    if (signal_received() != 0) end_by_signal();
+    return static_cast<int>(trouble_was_met ? exit_status::adapter : status);
 }

@@ -134,10 +134,12 @@ class maker {
 
 }  // namespace
 
-traffic_made make_traffic(capture_writer &out, uint64_t packets, uint32_t seed) {
+traffic_made make_traffic(capture_writer &out, uint64_t packets, uint32_t seed,
+                          const std::function<void()> &in_between) {
     maker m(out, seed);
     traffic_made made;
     while (made.packets < packets) {
+        in_between();
         const conversation c = m.next_conversation();
         const uint32_t length = m.length_of_conversation();
         ++made.conversations;

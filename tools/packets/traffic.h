@@ -5,6 +5,7 @@
 // few frames that are not IP. A seed always makes the same packets.
 
 #include <cstdint>
+#include <functional>
 
 #include "tools/packets/capture.h"
 
@@ -16,7 +17,10 @@ struct traffic_made {
     uint64_t other_frames = 0;   // that carry no IP packet
 };
 
-// Writes about `packets` packets: conversations are not cut short.
-traffic_made make_traffic(capture_writer &out, uint64_t packets, uint32_t seed);
+// Writes about `packets` packets: conversations are not cut short. `in_between` is called in front
+// of each; an end before all are written is for it to throw.
+traffic_made make_traffic(
+    capture_writer &out, uint64_t packets, uint32_t seed,
+    const std::function<void()> &in_between = [] {});
 
 }  // namespace halden::packets
