@@ -12,6 +12,15 @@ using halden::host::asic_call;
 using halden::host::asic_outcome;
 using halden::host::current;
 
+namespace {
+
+// An entry without its program is laid out in another way: who wrote or read one must learn of it.
+bool refused(asic_call call, uint32_t tableid, uint32_t number) {
+    return asic_outcome::note(current().faults().meet(call, tableid, number)) != SDK_RET_OK;
+}
+
+}  // namespace
+
 int asicpd_table_entry_write(uint32_t tableid, uint32_t index, uint8_t *entry, uint16_t entry_bits,
                              uint8_t *mask, bool /*flag*/) {
     return asic_outcome::note(current().sram_write(tableid, index, entry, entry_bits, mask));
@@ -43,13 +52,12 @@ int asicpd_hbm_table_entry_read(uint32_t tableid, uint32_t index, uint8_t *entry
 }
 
 uint8_t asicpd_get_action_pc(uint32_t tableid, uint8_t actionid) {
-    if (current().faults().meet(asic_call::action_pc, tableid, actionid)) return no_action_pc;
+    if (refused(asic_call::action_pc, tableid, actionid)) return no_action_pc;
     return halden::host::program_of(tableid, actionid);
 }
 
 uint8_t asicpd_get_action_id(uint32_t tableid, uint8_t actionpc) {
-    if (current().faults().meet(asic_call::action_id, tableid, actionpc))
-        return halden::host::no_action;
+    if (refused(asic_call::action_id, tableid, actionpc)) return halden::host::no_action;
     return halden::host::action_at(tableid, actionpc);
 }
 

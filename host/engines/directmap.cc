@@ -81,7 +81,8 @@ sdk_ret_t directmap::insert_withid(void *data, uint32_t index, void *mask) {
         if (found != SDK_RET_ENTRY_NOT_FOUND) return found;
         return impl_->rows.write(index, nullptr, impl_->masked({}, data, mask).data());
     };
-    const sdk_ret_t result = impl_->counters.done(impl_->counters.inserts, run());
+    const sdk_ret_t result = impl_->counters.done(impl_->counters.inserts,
+                                                  impl_->rows.meet(asic_call::insert, index, run));
     if (result == SDK_RET_OK) impl_->tell_health();
     return result;
 }
@@ -95,7 +96,8 @@ sdk_ret_t directmap::update(uint32_t index, void *data, void *mask) {
         if (sdk_ret_t bad = impl_->rows.read(index, old)) return bad;
         return impl_->rows.write(index, nullptr, impl_->masked(old, data, mask).data());
     };
-    return impl_->counters.done(impl_->counters.updates, run());
+    return impl_->counters.done(impl_->counters.updates,
+                                impl_->rows.meet(asic_call::update, index, run));
 }
 
 // With a mask, the bits it selects become zero and the entry stays.
@@ -110,7 +112,8 @@ sdk_ret_t directmap::remove(uint32_t index, void *mask) {
         nothing[0] = old[0];
         return impl_->rows.write(index, nullptr, impl_->masked(old, nothing.data(), mask).data());
     };
-    const sdk_ret_t result = impl_->counters.done(impl_->counters.removes, run());
+    const sdk_ret_t result = impl_->counters.done(impl_->counters.removes,
+                                                  impl_->rows.meet(asic_call::remove, index, run));
     if (result == SDK_RET_OK) impl_->tell_health();
     return result;
 }
@@ -124,7 +127,8 @@ sdk_ret_t directmap::retrieve(uint32_t index, void *data) {
         std::memcpy(data, found.data(), impl_->data_size);
         return SDK_RET_OK;
     };
-    return impl_->counters.done(impl_->counters.lookups, run());
+    return impl_->counters.done(impl_->counters.lookups,
+                                impl_->rows.meet(asic_call::get, index, run));
 }
 
 engine_statistics directmap_access::statistics(const directmap &table) {

@@ -27,7 +27,7 @@ uint32_t ternary_key::specificity() const {
 }
 
 table_rows::table_rows(adapter &hardware, uint32_t table) : hardware_(hardware), table_(table) {
-    p4pd_table_properties_get(table, &properties_);
+    if (p4pd_table_properties_get(table, &properties_) != P4PD_SUCCESS) throw cannot_start();
 }
 
 ternary_key table_rows::images_of(const void *key, const void *mask) const {

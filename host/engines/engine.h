@@ -33,6 +33,9 @@ struct ternary_key {
     uint32_t specificity() const;
 };
 
+// Thrown while an engine is made: the table's properties cannot be had.
+struct cannot_start {};
+
 class table_rows {
   public:
     table_rows(adapter &hardware, uint32_t table);
@@ -62,6 +65,23 @@ class table_rows {
     // Whether hardware sees an entry there.
     bool in_use(uint32_t row) const { return hardware_.next_used(table_, row) == row; }
 
+    // A method of the table's engine: nothing is done when a fault refuses it, and whatever it
+    // throws when memory runs out is a result.
+    template <class Method>
+    sdk_ret_t meet(asic_call which, uint32_t index, Method method) const {
+        if (sdk_ret_t injected = hardware_.faults().meet(which, table_, index)) return injected;
+        try {
+            return method();
+        } catch (const std::bad_alloc &) {
+            return SDK_RET_OOM;
+        }
+    }
+    // To be asked before an entry is kept in memory of the engine's own.
+    void take_memory() const {
+        if (hardware_.faults().meet(asic_call::allocate, table_, 0) != SDK_RET_OK)
+            throw std::bad_alloc();
+    }
+
     uint32_t count_used() const;
 
   private:
@@ -76,20 +96,21 @@ class table_rows {
 bool memory_is_refused(uint32_t table);
 
 // The end of every factory: gives a new engine, null when there was no memory for it, its `parts`.
-// Null when there is none for them either.
+// Null when there is none for them either, or they cannot start.
 template <class Engine, class Parts, class... Given>
 Engine *with_parts(Engine *made, Parts *Engine::*parts, const Given &...given) {
     if (made == nullptr) return nullptr;
     try {
         made->*parts = new Parts(given...);
+        return made;
     } catch (const std::bad_alloc &) {
-        Engine::destroy(made);
-        return nullptr;
+    } catch (const cannot_start &) {
     }
-    return made;
+    Engine::destroy(made);
+    return nullptr;
 }
 
-// An engine's call, whatever it throws when memory runs out.
+// A call, whatever it throws when memory runs out.
 template <class Call>
 sdk_ret_t guarded(Call call) {
     try {

@@ -144,6 +144,7 @@ sdk_ret_t slhash::impl::insert(const sdk_table_api_params_ *params) {
     uint32_t row = none;
     if (sdk_ret_t refused = find_free(row)) return refused;
     const ternary_key ternary = overflow.images_of(params->key, nullptr);
+    overflow.take_memory();
     // Known before the memory is touched, so that a shortage of memory changes nothing.
     const auto known = overflowed.emplace(ternary.ones, row).first;
     const sdk_ret_t result = overflow.write(row, &ternary, params->data);
@@ -220,20 +221,23 @@ void slhash::destroy(slhash *table) {
 }
 
 sdk_ret_t slhash::insert(sdk_table_api_params_ *params) {
+    const auto run = [&] { return impl_->insert(params); };
     return impl_->counters.done(impl_->counters.inserts,
-                                guarded([&] { return impl_->insert(params); }));
+                                impl_->main.meet(asic_call::insert, 0, run));
 }
 sdk_ret_t slhash::update(sdk_table_api_params_ *params) {
+    const auto run = [&] { return impl_->update(params); };
     return impl_->counters.done(impl_->counters.updates,
-                                guarded([&] { return impl_->update(params); }));
+                                impl_->main.meet(asic_call::update, 0, run));
 }
 sdk_ret_t slhash::remove(sdk_table_api_params_ *params) {
+    const auto run = [&] { return impl_->remove(params); };
     return impl_->counters.done(impl_->counters.removes,
-                                guarded([&] { return impl_->remove(params); }));
+                                impl_->main.meet(asic_call::remove, 0, run));
 }
 sdk_ret_t slhash::get(sdk_table_api_params_ *params) {
-    return impl_->counters.done(impl_->counters.lookups,
-                                guarded([&] { return impl_->get(params); }));
+    const auto run = [&] { return impl_->get(params); };
+    return impl_->counters.done(impl_->counters.lookups, impl_->main.meet(asic_call::get, 0, run));
 }
 
 engine_statistics slhash_access::statistics(const slhash &table) {

@@ -229,6 +229,7 @@ sdk_ret_t sltcam::impl::insert(const sdk_table_api_params_ *params) {
         !rows.knows_action(params->data))
         return SDK_RET_INVALID_ARG;
     const std::unique_lock lock(mutex);
+    rows.take_memory();
     auto entry = std::make_unique<tcam_entry>();
     entry->images = rows.images_of(params->key, params->mask);
     entry->given = rows.images_of(params->key, nullptr).ones;
@@ -298,17 +299,23 @@ void sltcam::destroy(sltcam *table) {
 }
 
 sdk_ret_t sltcam::insert(sdk_table_api_params_ *params) {
+    const auto run = [&] { return impl_->insert(params); };
     return impl_->counters.done(impl_->counters.inserts,
-                                guarded([&] { return impl_->insert(params); }));
+                                impl_->rows.meet(asic_call::insert, 0, run));
 }
 sdk_ret_t sltcam::update(sdk_table_api_params_ *params) {
-    return impl_->counters.done(impl_->counters.updates, impl_->update(params));
+    const auto run = [&] { return impl_->update(params); };
+    return impl_->counters.done(impl_->counters.updates,
+                                impl_->rows.meet(asic_call::update, 0, run));
 }
 sdk_ret_t sltcam::remove(sdk_table_api_params_ *params) {
-    return impl_->counters.done(impl_->counters.removes, impl_->remove(params));
+    const auto run = [&] { return impl_->remove(params); };
+    return impl_->counters.done(impl_->counters.removes,
+                                impl_->rows.meet(asic_call::remove, 0, run));
 }
 sdk_ret_t sltcam::get(sdk_table_api_params_ *params) {
-    return impl_->counters.done(impl_->counters.lookups, impl_->get(params));
+    const auto run = [&] { return impl_->get(params); };
+    return impl_->counters.done(impl_->counters.lookups, impl_->rows.meet(asic_call::get, 0, run));
 }
 
 engine_statistics sltcam_access::statistics(const sltcam &table) {

@@ -1,37 +1,27 @@
 #include "host/faults/faults.h"
 
 #include <algorithm>
+#include <iterator>
 #include <thread>
 
 namespace halden::host {
 
 const char *name_of(asic_call call) {
-    switch (call) {
-        case asic_call::sram_write:
-            return "sram-write";
-        case asic_call::sram_read:
-            return "sram-read";
-        case asic_call::tcam_write:
-            return "tcam-write";
-        case asic_call::tcam_read:
-            return "tcam-read";
-        case asic_call::hbm_write:
-            return "hbm-write";
-        case asic_call::hbm_read:
-            return "hbm-read";
-        case asic_call::action_pc:
-            return "action-pc";
-        case asic_call::action_id:
-            return "action-id";
-        case asic_call::allocate:
-            return "allocate";
-    }
-    return "?";
+    static constexpr const char *names[] = {
+        "sram-write", "sram-read",     "tcam-write", "tcam-read",
+        "hbm-write",  "hbm-read",      "action-pc",  "action-id",
+        "allocate",   "insert",        "update",     "remove",
+        "get",        "restore-state", "properties", "global-properties",
+        "flow-store",
+    };
+    static_assert(std::size(names) == asic_calls);
+    const auto number = static_cast<unsigned>(call);
+    return number < asic_calls ? names[number] : "?";
 }
 
 void fault_set::inject(const fault &what) {
     const std::lock_guard guard(lock_);
-    faults_.push_back(what);
+    faults_.push_back({what, what});
     arm();
 }
 
@@ -39,6 +29,14 @@ void fault_set::clear() {
     const std::lock_guard guard(lock_);
     faults_.clear();
     arm();
+}
+
+std::vector<fault> fault_set::never_met() const {
+    const std::lock_guard guard(lock_);
+    std::vector<fault> out;
+    for (const injected &each : faults_)
+        if (!each.met) out.push_back(each.given);
+    return out;
 }
 
 void fault_set::record(bool on) {
@@ -64,20 +62,22 @@ sdk_ret_t fault_set::look_up(asic_call call, uint32_t table, uint32_t index) {
     std::chrono::microseconds delay{0};
     {
         const std::lock_guard guard(lock_);
-        for (fault &each : faults_) {
-            if (each.call != call || (each.table != any_table && each.table != table)) continue;
-            if (each.skip != 0) {
-                --each.skip;
+        for (injected &each : faults_) {
+            fault &left = each.left;
+            if (left.call != call || (left.table != any_table && left.table != table)) continue;
+            if (left.skip != 0) {
+                --left.skip;
                 continue;
             }
-            if (each.count == 0) continue;
-            if (each.count != every_time) --each.count;
-            delay += each.delay;
+            if (left.count == 0) continue;
+            if (left.count != every_time) --left.count;
+            each.met = true;
+            delay += left.delay;
             // The first refusal stands; faults behind it still count this call.
-            if (result == SDK_RET_OK) result = each.result;
+            if (result == SDK_RET_OK) result = left.result;
         }
-        std::erase_if(faults_, [](const fault &each) { return each.count == 0; });
-        if (recording_) records_.push_back({call, table, index, result});
+        std::erase_if(faults_, [](const injected &each) { return each.left.count == 0; });
+        if (recording_ && is_of_asic(call)) records_.push_back({call, table, index, result});
         arm();
     }
     if (delay.count() != 0) std::this_thread::sleep_for(delay);

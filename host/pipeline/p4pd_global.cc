@@ -8,6 +8,8 @@
 
 namespace {
 
+using halden::host::asic_call;
+using halden::host::current;
 using halden::host::table_memory_of;
 
 // The catalogue's arrays are empty until they are filled, once.
@@ -20,24 +22,31 @@ void fill_catalogue() {
     static_cast<void>(filled);
 }
 
-}  // namespace
-
-p4pd_error_t p4pd_table_properties_get(uint32_t tableid, p4pd_table_properties_t *properties) {
+p4pd_error_t give_properties(asic_call call, uint32_t tableid,
+                             p4pd_table_properties_t *properties) {
     const auto *memory = table_memory_of(tableid);
     if (memory == nullptr || properties == nullptr) return P4PD_FAIL;
+    if (current().faults().meet(call, tableid, 0) != SDK_RET_OK) return P4PD_FAIL;
     fill_catalogue();
     *properties = {};
     properties->tablename = p4pd_tbl_names[tableid];
     properties->tableid = tableid;
-    properties->tabledepth = halden::host::current().depth(tableid);
+    properties->tabledepth = current().depth(tableid);
     properties->key_struct_size = p4pd_tbl_swkey_size[tableid];
     properties->actiondata_struct_size = p4pd_tbl_sw_action_data_size[tableid];
     properties->overflow_tableid = memory->overflow;
     return P4PD_SUCCESS;
 }
 
+}  // namespace
+
+p4pd_error_t p4pd_table_properties_get(uint32_t tableid, p4pd_table_properties_t *properties) {
+    return give_properties(asic_call::properties, tableid, properties);
+}
+
 p4pd_error_t p4pd_global_table_properties_get(uint32_t tableid, void *properties) {
-    return p4pd_table_properties_get(tableid, static_cast<p4pd_table_properties_t *>(properties));
+    return give_properties(asic_call::global_properties, tableid,
+                           static_cast<p4pd_table_properties_t *>(properties));
 }
 
 p4pd_error_t p4pd_global_entry_write(uint32_t tableid, uint32_t index, uint8_t *hwkey,

@@ -94,7 +94,11 @@ uint32_t write_raw(host::adapter &hardware, const shadow_table &t, const candida
     uint32_t bits = 0;
     bytes image = op.what == change::remove ? bytes() : raw_image(t, c, op.value, bits);
     const auto width = static_cast<uint16_t>(bits);
-    if (op.what == change::remove) return hardware.clear_row(t.id, c.row);
+    if (op.what == change::remove) {
+        const uint32_t result = hardware.clear_row(t.id, c.row);
+        // Out of hardware's sight, though its data may still be there.
+        return hardware.next_used(t.id, c.row) == c.row ? result : uint32_t{SDK_RET_OK};
+    }
     if (t.kind == shadow_kind::raw_hbm) return hardware.hbm_write(t.id, c.row, image.data(), width);
     if (t.kind == shadow_kind::raw_sram)
         return hardware.sram_write(t.id, c.row, image.data(), width, nullptr);

@@ -1,5 +1,6 @@
 #include "tools/haldenctl/adapter_view.h"
 
+#include <algorithm>
 #include <array>
 #include <iostream>
 
@@ -54,11 +55,15 @@ opened_adapter::opened_adapter(const options &given, host::access how, bool arme
 
 void opened_adapter::arm(const options &given) {
     show_calls_ = given.show_calls;
-    for (const host::fault &f : given.faults) adapter_->faults().inject(f);
+    faults_ = given.faults;
+    for (const given_fault &each : faults_) adapter_->faults().inject(each.fault);
     if (show_calls_) adapter_->faults().record(true);
 }
 
 opened_adapter::~opened_adapter() {
+    const std::vector<host::fault> left = adapter_->faults().never_met();
+    for (const given_fault &each : faults_)
+        each.met |= std::find(left.begin(), left.end(), each.fault) == left.end();
     for (const std::string &trouble : adapter_->troubles()) {
         trouble_was_met = true;
         std::cout.flush();

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "host/adapter.h"
@@ -34,6 +35,7 @@ class opened_adapter {
   private:
     std::unique_ptr<host::adapter> adapter_;
     host::scoped_current current_;
+    std::span<const given_fault> faults_;  // of the options, which outlive the adapter
     bool show_calls_ = false;
 };
 

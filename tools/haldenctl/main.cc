@@ -91,6 +91,7 @@ exit_status run(int argc, char **argv) {
     app.get_formatter()->column_width(34);
 
     tool::options given;
+    const tool::fault_report report(given);
     app.add_option(
            "--adapter", given.adapter,
            "Directory of the software adapter; create, write, apply and flows import make it "
@@ -114,15 +115,17 @@ exit_status run(int argc, char **argv) {
         ->type_name("FILE");
     std::vector<std::string> faults;
     app.add_option("--fault", faults,
-                   "Calls of the ASIC layer that the adapter refuses or delays, as "
-                   "sram-write,table=lif_mapping,skip=2,count=all,delay=10")
+                   "Calls that the adapter refuses or delays, as "
+                   "sram-write,table=lif_mapping,skip=2,count=all,delay=10. CALL is one of " +
+                       tool::fault_calls() +
+                       ". One that no call met is named at the end; the exit status stays")
         ->type_name("CALL[,...]");
     app.add_flag("--show-calls", given.show_calls,
                  "Show the calls of the ASIC layer that the command made");
     // Runs when the options are known, before the command does.
     app.parse_complete_callback([&] {
         tool::use_colours(colours);
-        for (const std::string &text : faults) given.faults.push_back(tool::fault_of(text));
+        for (const std::string &text : faults) given.faults.push_back({text, tool::fault_of(text)});
         // The tool's own errors say what went wrong; the library's and the adapter's say where.
         if (level.empty() && std::getenv("HALDEN_LOG_LEVEL") == nullptr) level = "critical";
         if (!level.empty() && !host::trace::set_level(level))

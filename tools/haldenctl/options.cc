@@ -1,5 +1,6 @@
 #include "tools/haldenctl/options.h"
 
+#include <iostream>
 #include <sstream>
 
 #include "tools/haldenctl/failure.h"
@@ -10,18 +11,19 @@ namespace halden::tool {
 
 namespace {
 
-constexpr host::asic_call calls[] = {host::asic_call::sram_write, host::asic_call::sram_read,
-                                     host::asic_call::tcam_write, host::asic_call::tcam_read,
-                                     host::asic_call::hbm_write,  host::asic_call::hbm_read,
-                                     host::asic_call::allocate};
+// All but those of programs, which the library does without by ending the process.
+std::vector<host::asic_call> calls() {
+    std::vector<host::asic_call> out;
+    for (unsigned n = 0; n < host::asic_calls; ++n)
+        if (const auto call = static_cast<host::asic_call>(n); call != host::asic_call::action_pc)
+            out.push_back(call);
+    return out;
+}
 
 host::asic_call call_named(const std::string &name) {
-    std::vector<std::string_view> names;
-    for (host::asic_call call : calls) {
+    for (host::asic_call call : calls())
         if (name == host::name_of(call)) return call;
-        names.emplace_back(host::name_of(call));
-    }
-    throw failure(unknown("call", name, names));
+    throw failure("no call '" + quotable(name) + "'; allowed: " + fault_calls());
 }
 
 uint32_t number(const std::string &value) { return static_cast<uint32_t>(parse_value(value, 31)); }
@@ -62,6 +64,20 @@ host::fault parsed_fault(const std::string &text) {
 
 host::fault fault_of(const std::string &text) {
     return typed([&] { return parsed_fault(text); });
+}
+
+std::string fault_calls() {
+    std::string out;
+    for (host::asic_call call : calls())
+        out += (out.empty() ? "" : ", ") + std::string(host::name_of(call));
+    return out;
+}
+
+fault_report::~fault_report() {
+    std::cout.flush();
+    for (const given_fault &each : given_.faults)
+        if (!each.met)
+            std::cerr << "haldenctl: --fault " << printable(each.text) << ": no call met it\n";
 }
 
 }  // namespace halden::tool

@@ -46,6 +46,7 @@
 #include "sdk/table/ftl_base.h"
 
 #include <mutex>
+#include <new>
 #include <span>
 #include <unordered_set>
 #include <vector>
@@ -198,10 +199,13 @@ class engine {
     uint32_t next_slot(E entry, uint32_t hash, uint32_t &hint) const;
     template <typename E>
     uint32_t free_slot(E entry) const;
+    sdk_ret_t repair(bool all);
     template <typename E>
     sdk_ret_t insert_as(E entry, E cursor, E fresh, uint32_t hash);
     template <typename E>
     sdk_ret_t remove_as(E entry, E cursor, E other, uint32_t hash);
+    template <typename E>
+    sdk_ret_t take_out(stripe &shared, bucket_work &work, walk leaf, E cursor, E other);
     void collect(const place &at, uint32_t path, base_table_entry_t *cursor,
                  std::vector<bucket_row> &out, std::unordered_set<uint32_t> &seen) const;
     template <typename E>
@@ -219,6 +223,29 @@ class engine {
         }
         const std::lock_guard guard(shared);
         read();
+    }
+
+    // Makes a change of the bucket whose lock is held. When one of its stores is refused, all of
+    // them are taken back.
+    template <typename F>
+    sdk_ret_t change(stripe &shared, F stores) {
+        const stripe_change under_way(shared);
+        if (!rows_.faults().armed()) [[likely]]
+            return stores();
+        return change_or_nothing(stores);
+    }
+    template <typename F>
+    sdk_ret_t change_or_nothing(F stores) {
+        rows::watch watch(rows_);
+        sdk_ret_t refused = SDK_RET_OOM;
+        try {
+            return stores();
+        } catch (const store_refused &by) {
+            refused = by.result;
+        } catch (const std::bad_alloc &) {
+        }
+        watch.take_back();
+        return refused;
     }
 
     // The stores. The caller holds the bucket's lock and has begun a change; entries hold their

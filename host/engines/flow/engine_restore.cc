@@ -224,14 +224,29 @@ class restorer {
 sdk_ret_t engine::restore() {
     if (!is_mapped()) return SDK_RET_OOM;
     if (!rows_.is_writable()) return SDK_RET_HW_PROGRAM_ERR;
-    return guarded([&] { return rows_.kept(restorer(*this).run(true)); });
+    return repair(true);
 }
 
 sdk_ret_t engine::finish_work() {
     // Whoever only reads finds every flow as it is.
     if (!is_mapped()) return SDK_RET_OOM;
     if (!rows_.is_writable() || work_->is_idle()) return SDK_RET_OK;
-    return guarded([&] { return rows_.kept(restorer(*this).run(false)); });
+    return repair(false);
+}
+
+sdk_ret_t engine::repair(bool all) {
+    return guarded([&] {
+        if (!rows_.faults().armed()) return rows_.kept(restorer(*this).run(all));
+        const rows::watch watch(rows_);
+        try {
+            return rows_.kept(restorer(*this).run(all));
+        } catch (const store_refused &by) {
+            // What was put right so far is as good as what a process that ended here leaves, and
+            // what was not is named still.
+            note_rows_in_use();
+            return by.result;
+        }
+    });
 }
 
 }  // namespace halden::host::flow

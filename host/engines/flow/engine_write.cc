@@ -18,12 +18,13 @@ sdk_ret_t engine::insert_as(E entry, E cursor, E fresh, uint32_t hash) {
     if (!way.main_in_use) {
         const place main = rows_.main(main_row(hash));
         rows::load(main, body_of(cursor));
-        const stripe_change change(shared);
         bucket_work work = begin_work(hash);
         work.names(0, true);
-        replace(main, cursor, entry);
-        shared.count(1, 0);
-        return SDK_RET_OK;
+        return change(shared, [&] {
+            replace(main, cursor, entry);
+            shared.count(1, 0);
+            return SDK_RET_OK;
+        });
     }
 
     rows::load(way.at, body_of(cursor));
@@ -35,13 +36,16 @@ sdk_ret_t engine::insert_as(E entry, E cursor, E fresh, uint32_t hash) {
     fresh->clear();
     take_key_and_data(fresh, entry);
     fresh->set_entry_valid(1);
-    const stripe_change change(shared);
     bucket_work work = begin_work(hash);
     work.names(row, false);
-    rows_.store_all(rows_.overflow(row), body_of(fresh));
-    link(way.at, cursor, slot, row, hash);
-    shared.count(0, 1);
-    return SDK_RET_OK;
+    const sdk_ret_t result = change(shared, [&] {
+        rows_.store_all(rows_.overflow(row), body_of(fresh));
+        link(way.at, cursor, slot, row, hash);
+        shared.count(0, 1);
+        return SDK_RET_OK;
+    });
+    if (result != SDK_RET_OK) free_.give_back(row);
+    return result;
 }
 
 sdk_ret_t engine::insert(base_table_entry_t *entry, uint32_t hash) {
@@ -61,10 +65,11 @@ sdk_ret_t engine::update(base_table_entry_t *entry, uint32_t hash) {
         const walk way = find(cursor, caller, hash);
         if (!way.found) return SDK_RET_ENTRY_NOT_FOUND;
         rows::load(way.at, body_of(cursor));
-        const stripe_change change(shared);
-        take_key_and_data(cursor, caller);
-        rows_.store_changed(way.at, body_of(cursor));
-        return rows_.kept(SDK_RET_OK);
+        return rows_.kept(change(shared, [&] {
+            take_key_and_data(cursor, caller);
+            rows_.store_changed(way.at, body_of(cursor));
+            return SDK_RET_OK;
+        }));
     });
 }
 
@@ -73,11 +78,16 @@ sdk_ret_t engine::remove_as(E entry, E cursor, E other, uint32_t hash) {
     stripe &shared = stripe_of(main_row(hash));
     const std::lock_guard guard(shared);
 
-    walk leaf = find(cursor, entry, hash);
-    if (!leaf.found) return SDK_RET_ENTRY_NOT_FOUND;
-    rows::load(leaf.at, body_of(cursor));
-    const stripe_change change(shared);
+    const walk way = find(cursor, entry, hash);
+    if (!way.found) return SDK_RET_ENTRY_NOT_FOUND;
+    rows::load(way.at, body_of(cursor));
     bucket_work work = begin_work(hash);
+    return change(shared, [&] { return take_out(shared, work, way, cursor, other); });
+}
+
+// The row of `way`, which `cursor` holds, loses its flow.
+template <typename E>
+sdk_ret_t engine::take_out(stripe &shared, bucket_work &work, walk leaf, E cursor, E other) {
     const place from = leaf.at;
     while (cursor->find_last_hint() != 0) {
         leaf = leaf_under(from, other);

@@ -22,32 +22,40 @@ using halden::host::flow::engine;
 namespace {
 
 using batch_operation = size_t (engine::*)(std::span<base_table_entry_t *const>, sdk_ret_t *);
+using single_call = sdk_ret_t (ftl_base::*)(sdk_table_api_params_ *);
 
-// Results that have no room are not asked for: such entries are left out.
-size_t call_batch(engine *made, batch_operation operation,
+// Results that have no room are not asked for: such entries are left out. Where faults may be met,
+// each entry is a call of its own, as it is to them.
+size_t call_batch(ftl_base &table, engine *made, batch_operation operation, single_call single,
                   std::span<base_table_entry_t *const> entries, std::span<sdk_ret_t> results) {
     const size_t count = std::min(entries.size(), results.size());
-    if (made != nullptr && made->is_mapped())
+    if (made != nullptr && made->is_mapped() && !made->memory().faults().armed())
         return (made->*operation)(entries.first(count), results.data());
-    std::fill_n(results.begin(), count, made != nullptr ? SDK_RET_OOM : SDK_RET_INVALID_ARG);
-    return 0;
+    size_t succeeded = 0;
+    for (size_t i = 0; i < count; ++i) {
+        sdk_table_api_params_ call = {};
+        call.entry = entries[i];
+        results[i] = (table.*single)(&call);
+        succeeded += results[i] == SDK_RET_OK;
+    }
+    return succeeded;
 }
 
 }  // namespace
 
 size_t ftl_access::insert_batch(ftl_base &table, std::span<base_table_entry_t *const> entries,
                                 std::span<sdk_ret_t> results) {
-    return call_batch(table.impl_, &engine::insert, entries, results);
+    return call_batch(table, table.impl_, &engine::insert, &ftl_base::insert, entries, results);
 }
 
 size_t ftl_access::remove_batch(ftl_base &table, std::span<base_table_entry_t *const> entries,
                                 std::span<sdk_ret_t> results) {
-    return call_batch(table.impl_, &engine::remove, entries, results);
+    return call_batch(table, table.impl_, &engine::remove, &ftl_base::remove, entries, results);
 }
 
 size_t ftl_access::get_batch(ftl_base &table, std::span<base_table_entry_t *const> entries,
                              std::span<sdk_ret_t> results) {
-    return call_batch(table.impl_, &engine::get, entries, results);
+    return call_batch(table, table.impl_, &engine::get, &ftl_base::get, entries, results);
 }
 
 uint64_t ftl_access::count(const ftl_base &table) {

@@ -16,12 +16,16 @@ namespace {
 
 using halden::host::flow::engine;
 
+using halden::host::asic_call;
+using halden::host::flow_table;
+
 // Hands a caller's record on as an entry and its hash.
 template <sdk_ret_t (engine::*operation)(base_table_entry_t *, uint32_t)>
-sdk_ret_t call(engine *made, sdk_table_api_params_ *params) {
+sdk_ret_t call(engine *made, asic_call which, sdk_table_api_params_ *params) {
     if (made == nullptr || params == nullptr || params->entry == nullptr)
         return SDK_RET_INVALID_ARG;
     if (!made->is_mapped()) return SDK_RET_OOM;
+    if (sdk_ret_t injected = made->memory().faults().meet(which, flow_table, 0)) return injected;
     uint32_t hash = 0;
     const sdk_ret_t result = made->hash_of(*params, hash);
     if (result != SDK_RET_OK) return result;
@@ -49,7 +53,10 @@ void ftl_base::ftl_free(uint32_t, void *memory, bool huge, unsigned long size) {
 }
 
 sdk_ret_t ftl_base::restore_state() {
-    return impl_ != nullptr ? impl_->restore() : SDK_RET_INVALID_ARG;
+    if (impl_ == nullptr) return SDK_RET_INVALID_ARG;
+    if (sdk_ret_t injected = impl_->memory().faults().meet(asic_call::restore_state, flow_table, 0))
+        return injected;
+    return impl_->restore();
 }
 
 sdk_ret_t ftl_base::init_(sdk_table_factory_params_ *params) {
@@ -84,17 +91,19 @@ void ftl_base::destroy(ftl_base *table) {
 }
 
 sdk_ret_t ftl_base::insert(sdk_table_api_params_ *params) {
-    return call<&engine::insert>(impl_, params);
+    return call<&engine::insert>(impl_, asic_call::insert, params);
 }
 
 sdk_ret_t ftl_base::update(sdk_table_api_params_ *params) {
-    return call<&engine::update>(impl_, params);
+    return call<&engine::update>(impl_, asic_call::update, params);
 }
 
 sdk_ret_t ftl_base::remove(sdk_table_api_params_ *params) {
-    return call<&engine::remove>(impl_, params);
+    return call<&engine::remove>(impl_, asic_call::remove, params);
 }
 
-sdk_ret_t ftl_base::get(sdk_table_api_params_ *params) { return call<&engine::get>(impl_, params); }
+sdk_ret_t ftl_base::get(sdk_table_api_params_ *params) {
+    return call<&engine::get>(impl_, asic_call::get, params);
+}
 
 }  // namespace sdk::table

@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 namespace halden::host::flow {
 
@@ -37,6 +38,11 @@ struct place {
     uint8_t *at = nullptr;
 
     bool is_main() const { return table == flow_table; }
+};
+
+// A store that a fault refused; thrown through the operation that wanted it.
+struct store_refused {
+    sdk_ret_t result;
 };
 
 // The body stands behind the base class's valid word.
@@ -150,7 +156,31 @@ class rows {
     }
 
     // No operation may be under way.
-    void set_hook(write_hook hook) { hook_ = std::move(hook); }
+    void set_hook(write_hook hook);
+
+    fault_set &faults() const { return hardware_->faults(); }
+    // While it lives, what this thread stores meets the adapter's faults, and a refused store
+    // throws store_refused. Made only while faults are armed, so that stores are cheap otherwise.
+    class watch {
+      public:
+        explicit watch(const rows &of);
+        ~watch();
+        watch(const watch &) = delete;
+        watch &operator=(const watch &) = delete;
+
+        // Every word that was stored meanwhile becomes what it was, the last one first.
+        void take_back();
+
+      private:
+        friend class rows;
+        struct stored_word {
+            place at;
+            uint32_t index;
+            uint64_t before;
+        };
+        const rows &of_;
+        std::vector<stored_word> words_;
+    };
 
   private:
     static size_t offset(uint32_t row) { return size_t{row} * flow_row_bytes; }
@@ -160,10 +190,11 @@ class rows {
         return __builtin_bswap64(word);
     }
     void store(const place &to, uint32_t i, uint64_t word) const {
+        if (watched_.load(std::memory_order_relaxed) != 0) [[unlikely]]
+            return store_watched(to, i, word);
         word_at(to, i).store(word, std::memory_order_release);
-        if (hook_) [[unlikely]]
-            hook_(to.table, to.row);
     }
+    void store_watched(const place &to, uint32_t i, uint64_t word) const;
     // Each batch of stores is on the disk before the next: their order is what keeps flows
     // findable. What a failed flush has lost is not known, so nothing is acknowledged any more.
     void flush(const place &row) const {
@@ -183,6 +214,8 @@ class rows {
     bool flushes_ = false;
     mutable std::atomic<bool> lost_ = false;
     write_hook hook_;
+    // Watches at work, in any thread, and one more for the hook.
+    mutable std::atomic<uint32_t> watched_ = 0;
 };
 
 }  // namespace halden::host::flow
