@@ -21,7 +21,7 @@ using namespace halden::fuzz;
 
 namespace {
 
-// The bytes under a name, for libpcap.
+// The bytes under a name, for the import.
 class named_bytes {
   public:
     explicit named_bytes(std::string_view bytes) : descriptor_(memfd_create("capture", 0)) {
@@ -49,9 +49,14 @@ std::string bytes_of(const flow_swkey_t &key) {
     return {reinterpret_cast<const char *>(&key), sizeof key};
 }
 
-flows in_capture(const std::string &path) {
+flows in_capture(std::string_view bytes) {
     flows out;
-    packets::read_capture(path, [&](const packets::captured &packet) {
+    const auto source = [&](char *to, size_t most) {
+        const size_t taken = bytes.copy(to, most);
+        bytes.remove_prefix(taken);
+        return taken;
+    };
+    packets::read_capture(source, [&](const packets::captured &packet) {
         const packets::dissected found = packets::dissect(packet.bytes, packet.kind);
         require(found.v == packets::verdict::flow_found ||
                     !packets::name_of(found.v, found.type).empty(),
@@ -60,7 +65,8 @@ flows in_capture(const std::string &path) {
         counts &c = out[bytes_of(packets::key_of(found.f))];
         ++c.packets;
         c.bytes += packet.wire_length;
-        c.last_seen = std::max(c.last_seen, static_cast<uint32_t>(packet.microseconds / 1000000));
+        c.last_seen =
+            std::max(c.last_seen, static_cast<uint32_t>(packet.microseconds.value_or(0) / 1000000));
     });
     return out;
 }
@@ -111,10 +117,11 @@ void empty(gateway &g) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     static gateway g;
-    const named_bytes file(input(data, size).rest());
+    const std::string_view bytes = input(data, size).rest();
+    const named_bytes file(bytes);
     flows expected;
     try {
-        expected = in_capture(file.path());
+        expected = in_capture(bytes);
     } catch (const std::runtime_error &) {
         return 0;  // no capture
     }
