@@ -5,7 +5,7 @@
 // made read-only, each store faults, is let through alone by a single step of the processor, and
 // counts. So no store is missed because nobody thought of telling about it.
 //
-//     store_trap::arm("/tmp/adapter", 3);   // the third store from here on is the last
+//     store_trap::arm(directory, 3);   // the third store from here on is the last
 //     ...
 //     const uint32_t stores = store_trap::disarm();
 //

@@ -494,19 +494,24 @@ TEST_P(Sltcam, EntriesOutliveTheProcess) {
     }
 }
 
-// A process that ended in the middle of a move left an entry in two rows.
-TEST_P(Sltcam, AnEntryLeftTwiceIsFoundOnce) {
+// A row that was written past the engine is somebody's, also where it repeats an entry: both stay,
+// and the lower one, which hardware matches, is the entry.
+TEST_P(Sltcam, ARowWrittenTwiceStaysTwice) {
     const scratch_directory directory;
     open(directory.path());
     const stored entry = make(bytes(t().key_bytes, 1), {}, data_of_number(1));
+    const stored second = make(bytes(t().key_bytes, 1), {}, data_of_number(2));
     ASSERT_EQ(create(entry.key, entry.data), 0u);
     const uint32_t row = look_up(packet_of(entry.key)).row;
-    bytes key = entry.key, mask(t().key_bytes, 0xff), data = entry.data;
+    bytes key = entry.key, mask(t().key_bytes, 0xff), data = second.data;
     ASSERT_EQ(p4pd_entry_install(t().id, row + 5, key.data(), mask.data(), data.data()), 0);
     open(directory.path());
-    EXPECT_EQ(statistics().used, 1u);
+    EXPECT_EQ(statistics().used, 2u);
     EXPECT_TRUE(hardware_finds(entry.key, entry.data));
     ASSERT_EQ(t().remove(entry.key.data()), 0u);
+    EXPECT_EQ(look_up(packet_of(entry.key)).row, row + 5);
+    EXPECT_TRUE(hardware_finds(second.key, second.data));
+    ASSERT_EQ(t().remove(second.key.data()), 0u);
     EXPECT_FALSE(look_up(packet_of(entry.key)).hit);
 }
 
