@@ -359,6 +359,53 @@ void save_texts(const std::filesystem::path &root) {
             root / "fuzz_hex", "typed_" + std::to_string(n++));
 }
 
+// Operations on tables: every table filled and emptied again, with a restart in between; then any.
+void save_calls(const std::filesystem::path &root, std::mt19937_64 &random) {
+    const auto save = [&](const seed &of, const std::string &name) {
+        of.save(root / "fuzz_table_calls", name);
+    };
+    constexpr uint8_t create = 0, update = 1, remove = 2, restart = 7;
+    for (uint8_t table = 0; table < 40; ++table) {
+        seed out;
+        const auto put = [&](uint8_t entry, uint8_t what, uint8_t value) {
+            out.put(table).put(entry).put(what).put(value);
+        };
+        for (uint8_t entry = 0; entry < 18; ++entry) put(entry, create, entry);
+        put(0, restart, 0);
+        for (uint8_t entry = 0; entry < 18; ++entry)
+            put(entry, entry % 2 == 0 ? update : remove, 99);
+        put(0, restart, 0);
+        for (uint8_t entry = 0; entry < 18; ++entry) put(entry, remove, 0);
+        save(out, "fill_" + std::to_string(table));
+    }
+    for (int n = 0; n < 12; ++n) {
+        seed out;
+        for (int i = 0; i < 400; ++i) out.put(static_cast<uint32_t>(random()));
+        save(out, "any_" + std::to_string(n));
+    }
+}
+
+// One damage of each kind to files all over the directory, and several at once.
+void save_damages(const std::filesystem::path &root, std::mt19937_64 &random) {
+    for (uint8_t what = 0; what < 8; ++what)
+        for (uint8_t file = 0; file < 56; file = static_cast<uint8_t>(file + 8))
+            seed()
+                .put<uint8_t>(0)  // one damage
+                .put(static_cast<uint8_t>(file + what))
+                .put(what)
+                .put(static_cast<uint16_t>(random()))
+                .put<uint8_t>(0xff)
+                .put(random())
+                .put(random())
+                .save(root / "fuzz_adapter_directory",
+                      "damage_" + std::to_string(what) + "_" + std::to_string(file));
+    for (int n = 0; n < 12; ++n) {
+        seed out;
+        for (int i = 0; i < 12; ++i) out.put(random());
+        out.save(root / "fuzz_adapter_directory", "several_" + std::to_string(n));
+    }
+}
+
 }  // namespace
 
 int main(int argc, char **argv) try {
@@ -382,6 +429,8 @@ int main(int argc, char **argv) try {
     save_values(root);
     save_filters(root);
     save_captures(root);
+    save_calls(root, random);
+    save_damages(root, random);
     return 0;
 } catch (const std::exception &error) {
     std::cerr << "make_seeds: " << error.what() << '\n';

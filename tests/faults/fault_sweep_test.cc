@@ -26,7 +26,7 @@ constexpr uint32_t occurrences = 200;
 constexpr unsigned most_steps = 20000;
 constexpr unsigned steps_after = 12;  // of a run in which the fault was met
 // Under a sanitizer a run takes many times as long: there every seventh occurrence is met.
-#if defined(__SANITIZE_ADDRESS__) || defined(HALDEN_SANITIZED)
+#ifdef HALDEN_SANITIZED
 constexpr uint32_t stride = 7;
 #else
 constexpr uint32_t stride = 1;

@@ -265,39 +265,54 @@ void shadow::compare_ternary(host::adapter &hardware, uint16_t table,
     }
 }
 
+void shadow::compare_by_memory(host::adapter &hardware, uint16_t table,
+                               std::span<const operation> under_way,
+                               std::vector<std::string> &out) const {
+    const shadow_table &t = tables()[table];
+    if (t.kind == shadow_kind::ternary) return compare_ternary(hardware, table, under_way, out);
+    for (uint16_t entry = 0; entry < t.candidates.size(); ++entry) {
+        const bool unsure = std::any_of(
+            under_way.begin(), under_way.end(),
+            [&](const operation &op) { return op.table == table && op.entry == entry; });
+        if (!unsure) compare_with_hardware(hardware, {table, entry}, out);
+    }
+}
+
 std::vector<std::string> shadow::hardware_differences(host::adapter &hardware,
                                                       std::span<const operation> under_way) const {
     std::vector<std::string> out;
-    for (uint16_t table = 0; table < tables().size(); ++table) {
-        const shadow_table &t = tables()[table];
-        if (t.kind == shadow_kind::ternary) {
-            compare_ternary(hardware, table, under_way, out);
-            continue;
-        }
-        for (uint16_t entry = 0; entry < t.candidates.size(); ++entry) {
-            const bool unsure = std::any_of(
-                under_way.begin(), under_way.end(),
-                [&](const operation &op) { return op.table == table && op.entry == entry; });
-            if (!unsure) compare_with_hardware(hardware, {table, entry}, out);
-        }
-    }
+    for (uint16_t table = 0; table < tables().size(); ++table)
+        compare_by_memory(hardware, table, under_way, out);
+    return out;
+}
+
+std::vector<std::string> shadow::hardware_differences_of(host::adapter &hardware,
+                                                         uint16_t table) const {
+    std::vector<std::string> out;
+    compare_by_memory(hardware, table, {}, out);
+    return out;
+}
+
+std::vector<std::string> shadow::differences_of(host::adapter &hardware, uint16_t table) const {
+    std::vector<std::string> out;
+    const shadow_table &t = tables()[table];
+    compare_by_memory(hardware, table, {}, out);
+    for (uint16_t entry = 0; entry < t.candidates.size(); ++entry)
+        compare_with_engine(hardware, {table, entry}, out);
+    uint32_t used = rows_in_use(hardware, t.id);
+    if (t.kind == shadow_kind::flow) used += rows_in_use(hardware, host::flow_ohash_table);
+    if (t.kind == shadow_kind::hash)
+        used += rows_in_use(hardware, host::table_memory_of(t.id)->overflow);
+    if (used != size_of(table))
+        out.push_back(t.name + ": " + std::to_string(used) + " rows are in use, wanted " +
+                      std::to_string(size_of(table)));
     return out;
 }
 
 std::vector<std::string> shadow::differences(host::adapter &hardware) const {
-    std::vector<std::string> out = hardware_differences(hardware, {});
-    for (uint16_t table = 0; table < tables().size(); ++table) {
-        const shadow_table &t = tables()[table];
-        for (uint16_t entry = 0; entry < t.candidates.size(); ++entry)
-            compare_with_engine(hardware, {table, entry}, out);
-        uint32_t used = rows_in_use(hardware, t.id);
-        if (t.kind == shadow_kind::flow) used += rows_in_use(hardware, host::flow_ohash_table);
-        if (t.kind == shadow_kind::hash)
-            used += rows_in_use(hardware, host::table_memory_of(t.id)->overflow);
-        if (used != size_of(table))
-            out.push_back(t.name + ": " + std::to_string(used) + " rows are in use, wanted " +
-                          std::to_string(size_of(table)));
-    }
+    std::vector<std::string> out;
+    for (uint16_t table = 0; table < tables().size(); ++table)
+        for (std::string &wrong : differences_of(hardware, table)) out.push_back(std::move(wrong));
     return out;
 }
 

@@ -93,6 +93,8 @@ class shadow {
     // What engines and memory hold otherwise than the map; engines must be at work. Nothing when
     // all is well.
     std::vector<std::string> differences(host::adapter &hardware) const;
+    std::vector<std::string> differences_of(host::adapter &hardware, uint16_t table) const;
+    std::vector<std::string> hardware_differences_of(host::adapter &hardware, uint16_t table) const;
     // The same by memory alone, without engines, leaving out the entries of operations under way:
     // that is how the adapter forwards packets while a process is dead.
     std::vector<std::string> hardware_differences(host::adapter &hardware,
@@ -105,6 +107,9 @@ class shadow {
                                std::vector<std::string> &out) const;
     void compare_with_engine(host::adapter &hardware, place at,
                              std::vector<std::string> &out) const;
+    void compare_by_memory(host::adapter &hardware, uint16_t table,
+                           std::span<const operation> under_way,
+                           std::vector<std::string> &out) const;
     void compare_ternary(host::adapter &hardware, uint16_t table,
                          std::span<const operation> under_way, std::vector<std::string> &out) const;
     std::optional<uint32_t> value_of(place at) const;
