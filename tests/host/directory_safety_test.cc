@@ -149,7 +149,7 @@ TEST_F(DirectorySafety, RenamingTheAdapterFileLetsNobodyIn) {
 // --- Whose it is ---------------------------------------------------------------------------------
 
 TEST_F(DirectorySafety, AnAdapterIsItsOwnersAloneWhateverTheMaskSays) {
-    for (mode_t mask : {0, 022, 077}) {
+    for (const mode_t mask : {0u, 022u, 077u}) {
         const mode_t before = umask(mask);
         const std::string name = scratch_.file("mask" + std::to_string(mask));
         write_row(*open(name));

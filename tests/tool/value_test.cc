@@ -88,7 +88,7 @@ class NoValue : public testing::TestWithParam<refused> {};
 
 TEST_P(NoValue, IsRefusedWith) {
     const auto &[text, bits, words] = GetParam();
-    EXPECT_EQ(refusal([&] { parse_value(text, bits); }), words);
+    EXPECT_EQ(refusal([&, text = text, bits = bits] { parse_value(text, bits); }), words);
 }
 
 constexpr refused no_numbers[] = {
@@ -237,7 +237,7 @@ class NoMasked : public testing::TestWithParam<refused> {};
 
 TEST_P(NoMasked, IsRefusedWith) {
     const auto &[text, bits, words] = GetParam();
-    EXPECT_EQ(refusal([&] { parse_masked(text, bits); }), words);
+    EXPECT_EQ(refusal([&, text = text, bits = bits] { parse_masked(text, bits); }), words);
 }
 
 constexpr refused no_masks[] = {
