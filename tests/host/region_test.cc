@@ -132,7 +132,7 @@ TEST(Region, AFileIsReadWithoutTheRightToWriteIt) {
     EXPECT_EQ(begin, 2 * page);
     EXPECT_EQ(end, 3 * page);
     EXPECT_FALSE(memory.next_used(end, begin, end));
-    EXPECT_EXIT(memory.base()[0] = 1, testing::KilledBySignal(SIGSEGV), "");
+    EXPECT_DEATH(memory.base()[0] = 1, "");
 }
 
 TEST(Region, ARehearsalSeesItsOwnStoresBesideTheFileAndTheFileSeesNone) {
