@@ -29,6 +29,7 @@ void trouble_list::forget(memory where, uint32_t table, uint32_t row) {
 std::vector<std::string> trouble_list::texts() const {
     const std::lock_guard guard(lock_);
     std::vector<std::string> out;
+    out.reserve(met_.size());
     for (const trouble &one : met_) out.push_back(one.text);
     return out;
 }

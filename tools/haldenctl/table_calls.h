@@ -2,7 +2,7 @@
 
 // The table API by table, for entries that are known at run time only.
 
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "host/state/table_state.h"
@@ -30,7 +30,7 @@ class opened_tables {
     // Reads the tables; faults and records of the options are for what the command itself does.
     void make_engines() {
         adapter_->faults().rest(true);
-        state_.emplace(*adapter_);
+        state_ = std::make_unique<host::table_state>(*adapter_);
         adapter_->faults().rest(false);
     }
     host::adapter &operator*() const { return *adapter_; }
@@ -39,7 +39,7 @@ class opened_tables {
 
   private:
     opened_adapter adapter_;
-    std::optional<host::table_state> state_;
+    std::unique_ptr<host::table_state> state_;
 };
 
 // Whether the table API serves it: overflow and keyless tables have no engine of their own.
