@@ -4,6 +4,7 @@
 #include "host/state/table_state.h"
 #include "host/trace/trace.h"
 
+#include "tests/support/other_process.h"
 #include "tests/support/scratch_directory.h"
 #include "tev_tbl.h"
 
@@ -27,6 +28,7 @@ namespace {
 using namespace halden;
 using host::access;
 using host::adapter;
+using test::in_another_process;
 using test::message_of;
 using test::scratch_directory;
 using test::text_of;
@@ -115,14 +117,6 @@ class Access : public testing::Test {
 
     scratch_directory scratch_;
 };
-
-int in_another_process(const std::function<int()> &what) {
-    const pid_t child = fork();
-    if (child == 0) _exit(what());
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status)) return -1;
-    return WEXITSTATUS(status);
-}
 
 // --- What is made --------------------------------------------------------------------------------
 

@@ -6,6 +6,7 @@
 
 #include "p4pd.h"
 #include "p4pd_records.h"
+#include "tests/support/other_process.h"
 #include "tests/support/scratch_directory.h"
 
 #include <sys/wait.h>
@@ -26,6 +27,7 @@ namespace {
 
 using namespace halden;
 using host::adapter;
+using test::in_another_process;
 using test::message_of;
 using test::scratch_directory;
 using test::text_of;
@@ -41,15 +43,6 @@ class Directory : public testing::Test {
 
     scratch_directory scratch_;
 };
-
-// Runs `what` in a process of its own; its exit status, or -1 when a signal ended it.
-int in_another_process(const std::function<int()> &what) {
-    const pid_t child = fork();
-    if (child == 0) _exit(what());
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status)) return -1;
-    return WEXITSTATUS(status);
-}
 
 // --- What is kept --------------------------------------------------------------------------------
 
